@@ -1,0 +1,17 @@
+# Flags that every target of the project is built with.
+add_compile_options(-Wall -Wextra)
+if(ZQAPI_WARNINGS_AS_ERRORS)
+    add_compile_options(-Werror)
+endif()
+
+# Sanitizers want line numbers and speed, and every frame in a report.
+set(CMAKE_C_FLAGS_SANITIZE "-O1 -g -fno-omit-frame-pointer")
+set(CMAKE_CXX_FLAGS_SANITIZE "-O1 -g -fno-omit-frame-pointer")
+if(ZQAPI_SANITIZE)
+    add_compile_options(-fsanitize=${ZQAPI_SANITIZE})
+    add_link_options(-fsanitize=${ZQAPI_SANITIZE})
+    if(ZQAPI_SANITIZE MATCHES "undefined")
+        add_compile_options(-fno-sanitize-recover=undefined)
+    endif()
+    add_compile_definitions(ZQAPI_SANITIZED)
+endif()
