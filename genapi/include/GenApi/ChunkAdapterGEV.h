@@ -1,0 +1,19 @@
+#pragma once
+
+#include <GenApi/ChunkAdapter.h>
+
+namespace GENAPI_NAMESPACE {
+
+/// Reads the chunk layout of GigE Vision. Not implemented: CheckBufferLayout and AttachBuffer throw
+/// RuntimeException.
+class GENAPI_API CChunkAdapterGEV : public CChunkAdapter {
+public:
+    explicit CChunkAdapterGEV(INodeMap* pNodeMap = nullptr, int64_t MaxChunkCacheSize = -1);
+    ~CChunkAdapterGEV() override;
+
+    bool CheckBufferLayout(uint8_t* pBuffer, int64_t BufferLength) override;
+    void AttachBuffer(uint8_t* pBuffer, int64_t BufferLength,
+                      AttachStatistics_t* pAttachStatistics = nullptr) override;
+};
+
+} // namespace GENAPI_NAMESPACE

@@ -1,0 +1,44 @@
+#pragma once
+
+/// Includes the whole node-map interface.
+
+#include <Base/GCBase.h>
+#include <GenApi/ChunkAdapter.h>
+#include <GenApi/ChunkAdapterGEV.h>
+#include <GenApi/ChunkAdapterGeneric.h>
+#include <GenApi/ChunkAdapterU3V.h>
+#include <GenApi/Container.h>
+#include <GenApi/EnumClasses.h>
+#include <GenApi/EventAdapter.h>
+#include <GenApi/EventAdapterGEV.h>
+#include <GenApi/EventAdapterGeneric.h>
+#include <GenApi/EventAdapterU3V.h>
+#include <GenApi/Filestream.h>
+#include <GenApi/IBase.h>
+#include <GenApi/IBoolean.h>
+#include <GenApi/ICategory.h>
+#include <GenApi/IChunkPort.h>
+#include <GenApi/ICommand.h>
+#include <GenApi/IDestroy.h>
+#include <GenApi/IDeviceInfo.h>
+#include <GenApi/IEnumEntry.h>
+#include <GenApi/IEnumeration.h>
+#include <GenApi/IFloat.h>
+#include <GenApi/IInteger.h>
+#include <GenApi/INode.h>
+#include <GenApi/INodeMap.h>
+#include <GenApi/IPort.h>
+#include <GenApi/IPortConstruct.h>
+#include <GenApi/IRegister.h>
+#include <GenApi/ISelector.h>
+#include <GenApi/IString.h>
+#include <GenApi/IValue.h>
+#include <GenApi/NodeCallback.h>
+#include <GenApi/NodeMapFactory.h>
+#include <GenApi/NodeMapRef.h>
+#include <GenApi/Persistence.h>
+#include <GenApi/Pointer.h>
+#include <GenApi/SelectorSet.h>
+#include <GenApi/StructPort.h>
+#include <GenApi/Synch.h>
+#include <GenApi/Types.h>
