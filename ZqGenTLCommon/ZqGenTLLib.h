@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <ZqApi/Types.h>
 
 #include "ZqGenTLCommon/FunctionList.h"
@@ -12,7 +14,7 @@ namespace ZqApi {
 /// Owned by its system and shared with the system's modules: UnloadLib empties the table, so that what a
 /// module calls after its system is gone answers GC_ERR_NOT_IMPLEMENTED. Loading and unloading belong to one
 /// thread; the functions may be called from any thread.
-class CZqGenTLLib {
+class CZqGenTLLib : public std::enable_shared_from_this<CZqGenTLLib> {
 public:
     /// Finds the file on GENICAM_GENTL64_PATH, loads it, binds its functions and calls GCInitLib.
     ///
