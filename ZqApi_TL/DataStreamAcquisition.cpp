@@ -1,0 +1,136 @@
+#include "ZqApi_TL/Teardown.h"
+#include "ZqApi_TL/ZqDataStream.h"
+#include "ZqGenTLCommon/ZqGenTLError.h"
+
+// Starting and stopping a data stream's producer.
+
+namespace ZqApi {
+namespace {
+
+constexpr const char* UNIT = "ZqApi_TL/ZqDataStream";
+
+} // namespace
+
+void CZqDataStream::StartAcquisition(uint64_t count, ACQ_START_FLAGS flags) {
+    // A callback of this stream runs on one of its threads; the control lock may be held by who joins them.
+    if (m_CallbackManager.IsInsideRunCallback())
+        return;
+    const std::lock_guard<std::mutex> control(m_Control);
+    if (m_bReleasing)
+        return;
+    if (m_pIZqDeviceInside->IsDeviceLost())
+        throw ReportError<GenICam::AccessException>(UNIT, __LINE__, "The device is lost.");
+    if (m_pNewBuffer)
+        return;
+    try {
+        ConvertBadAlloc(UNIT, __LINE__, [&] {
+            StartNewBufferThread();
+            const size_t keptCount = m_Pool.Size();
+            AllocateBuffers();
+            PrepareChunkDecoding();
+            QueueKeptBuffers(keptCount);
+            m_FPS.Reset();
+            m_BPS.Reset();
+            StartProducer(count, flags);
+        });
+    } catch (...) {
+        Teardown cleanup;
+        cleanup.Run([this] { DropNewBufferThread(); });
+        cleanup.Run([this] { DeallocateBuffers(); });
+        throw;
+    }
+    m_nDelivered = 0;
+    m_StopEvent.ResetEvent();
+}
+
+void CZqDataStream::StartNewBufferThread() {
+    auto thread = std::make_shared<CZqEventNewBuffer>(m_pCZqGenTL, m_hDataStream, "ZqApi_TL_EventNewBuffer");
+    {
+        const GenApi::AutoLock lock(m_Delivered.GetLock());
+        m_pNewBuffer = thread;
+    }
+    thread->Start();
+}
+
+void CZqDataStream::PrepareChunkDecoding() {
+    for (CZqStreamBuffer* const buffer : m_Pool.Buffers()) {
+        try {
+            buffer->PrepareChunkDecode();
+        } catch (const GenICam::BadAllocException&) {
+            throw;
+        } catch (const GenICam::GenericException&) {
+            // The stream runs without chunk data.
+        }
+    }
+}
+
+bool CZqDataStream::IsQueued(const CZqStreamBuffer& buffer, bool& known) const {
+    try {
+        known = true;
+        return buffer.GetInfo().IsQueued();
+    } catch (const GenICam::GenericException&) {
+        known = false;
+        return false;
+    }
+}
+
+void CZqDataStream::QueueKeptBuffers(size_t keptCount) {
+    // Frames delivered before the last stop and never retrieved, or dropped by the producer with its event,
+    // left these buffers with nobody.
+    for (size_t index = 0; index < keptCount && index < m_Pool.Size(); ++index) {
+        CZqStreamBuffer* const buffer = m_Pool.Buffers()[index];
+        bool known = false;
+        if (buffer->IsLent() || IsQueued(*buffer, known))
+            continue;
+        try {
+            QueueBuffer(buffer);
+        } catch (const CZqGenTLErrorException& error) {
+            if (known || error.GetError() != GC_ERR_RESOURCE_IN_USE)
+                throw;
+        }
+    }
+}
+
+void CZqDataStream::StartProducer(uint64_t count, ACQ_START_FLAGS flags) {
+    const GC_ERROR result = CallProducer(m_pCZqGenTL->DSStartAcquisition, m_hDataStream, flags, count);
+    CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSStartAcquisition",
+                  "%d = DSStartAcquisition(0x%p, %d, %I64d)", result, m_hDataStream, flags, count);
+}
+
+void CZqDataStream::DropNewBufferThread() {
+    std::shared_ptr<CZqEventNewBuffer> thread;
+    {
+        const GenApi::AutoLock lock(m_Delivered.GetLock());
+        thread.swap(m_pNewBuffer);
+    }
+    if (!thread)
+        return;
+    // A reader may hold the object on; what the producer knows of it ends here.
+    Teardown steps;
+    steps.Run([&] { thread->Stop(); });
+    steps.Run([&] { thread->UnregisterEvent(); });
+}
+
+void CZqDataStream::StopAcquisition(ACQ_STOP_FLAGS flags) {
+    RefuseInsideCallback(__LINE__);
+    const std::lock_guard<std::mutex> control(m_Control);
+    StopGrabbing(flags);
+}
+
+void CZqDataStream::StopGrabbing(ACQ_STOP_FLAGS flags) {
+    if (!m_pNewBuffer)
+        return;
+    m_StopEvent.SetEvent();
+    const GC_ERROR result = CallProducer(m_pCZqGenTL->DSStopAcquisition, m_hDataStream, flags);
+    if (result == GC_ERR_SUCCESS) {
+        DropNewBufferThread();
+        return;
+    }
+    const CZqGenTLErrorException error =
+        ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "DSStopAcquisition",
+                      "%d = DSStopAcquisition(0x%p, %d)", result, m_hDataStream, flags);
+    DropNewBufferThread();
+    throw error;
+}
+
+} // namespace ZqApi

@@ -1,0 +1,86 @@
+#include <algorithm>
+
+#include "ZqApi_TL/Teardown.h"
+#include "ZqApi_TL/ZqDataStream.h"
+#include "ZqGenTLCommon/ZqGenTLError.h"
+
+// The data stream's buffers: allocated for a start, kept from one start to the next, torn down.
+
+namespace ZqApi {
+namespace {
+
+constexpr const char* UNIT = "ZqApi_TL/ZqDataStream";
+
+} // namespace
+
+IZqStreamBufferInside* CZqDataStream::RegisterStreamBuffer(void* pBuffer, size_t size, void* pContext,
+                                                           size_t index) {
+    return m_Pool.Register(pBuffer, size, pContext, index);
+}
+
+void CZqDataStream::DeregisterStreamBuffer(IZqStreamBuffer* pBuffer) {
+    auto* const pCZqStreamBuffer = dynamic_cast<CZqStreamBuffer*>(pBuffer);
+    ZQ_ASSERT(UNIT, (pCZqStreamBuffer) != NULL);
+    m_Pool.Deregister(pCZqStreamBuffer);
+}
+
+void CZqDataStream::QueueBuffer(IZqStreamBuffer* pBuffer) {
+    if (pBuffer == nullptr)
+        return;
+    auto* const pIZqStreamBufferInside = dynamic_cast<IZqStreamBufferInside*>(pBuffer);
+    ZQ_ASSERT(UNIT, (pIZqStreamBufferInside) != NULL);
+    m_Pool.HandIn(static_cast<CZqStreamBuffer*>(pIZqStreamBufferInside), [&] {
+        const BUFFER_HANDLE hBuffer = pIZqStreamBufferInside->GetBufferHandle();
+        const GC_ERROR result = CallProducer(m_pCZqGenTL->DSQueueBuffer, m_hDataStream, hBuffer);
+        CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSQueueBuffer", "%d = DSQueueBuffer(0x%p, 0x%p)",
+                      result, m_hDataStream, hBuffer);
+    });
+}
+
+void CZqDataStream::FlushQueue(ACQ_QUEUE_TYPE mode) {
+    const GC_ERROR result = CallProducer(m_pCZqGenTL->DSFlushQueue, m_hDataStream, mode);
+    CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSFlushQueue", "%d = DSFlushQueue(0x%p, %d)", result,
+                  m_hDataStream, mode);
+}
+
+size_t CZqDataStream::PayloadSizeToAllocate() {
+    const size_t payloadSize = m_DataStreamInfo.GetPayloadSize();
+    // A producer that leaves the size to the camera may answer 0 instead of an error.
+    return payloadSize != 0 ? payloadSize : m_DataStreamInfo.GetPayloadSizeFormNodeMap();
+}
+
+bool CZqDataStream::MustReplacePool(size_t payloadSize) {
+    if (m_Pool.Size() == 0)
+        return false;
+    const auto& buffers = m_Pool.Buffers();
+    const bool largeEnough =
+        std::all_of(buffers.begin(), buffers.end(), [payloadSize](const CZqStreamBuffer* buffer) {
+            return buffer->GetInfo().GetBufferSize() >= payloadSize;
+        });
+    return !largeEnough || m_nStreamBufferCount < m_Pool.Size();
+}
+
+void CZqDataStream::AllocateBuffers() {
+    const size_t count = m_nStreamBufferCount;
+    const size_t payloadSize = PayloadSizeToAllocate();
+    m_Delivered.Clear();
+    if (MustReplacePool(payloadSize)) {
+        // The thread may have fetched an event for a buffer that is about to go.
+        m_pNewBuffer->Stop();
+        DeallocateBuffers();
+        m_pNewBuffer->Start();
+    }
+    ConvertBadAlloc(UNIT, __LINE__, [&] { m_Delivered.Reserve(count); });
+    while (m_Pool.Size() < count)
+        m_Pool.Add(payloadSize);
+}
+
+void CZqDataStream::DeallocateBuffers() {
+    m_Delivered.Clear();
+    Teardown steps;
+    steps.Run([this] { FlushQueue(ACQ_QUEUE_ALL_DISCARD); });
+    steps.Run([this] { m_Pool.DeregisterAll(); });
+    steps.RethrowFirst();
+}
+
+} // namespace ZqApi

@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <chrono>
+
+#include "ZqApi_TL/ZqDataStream.h"
+#include "ZqGenTLCommon/ZqGenTLError.h"
+
+// Filled buffers on their way from the producer's event to the application.
+
+namespace ZqApi {
+namespace {
+
+constexpr const char* UNIT = "ZqApi_TL/ZqDataStream";
+
+using Clock = std::chrono::steady_clock;
+
+/// Counts a reader in and out, so that a release can wait for it.
+class ReaderInside {
+public:
+    explicit ReaderInside(std::atomic<int>& count) : m_Count(count) { ++m_Count; }
+    ~ReaderInside() { --m_Count; }
+    ReaderInside(const ReaderInside&) = delete;
+    ReaderInside& operator=(const ReaderInside&) = delete;
+
+private:
+    std::atomic<int>& m_Count;
+};
+
+/// What is left of a time-out that began with the object. Waits are on the real-time clock; this one says
+/// whether a wait that ended early has really elapsed.
+class Remaining {
+public:
+    explicit Remaining(uint32_t timeoutMs) : m_TimeoutMs(timeoutMs) {
+        if (timeoutMs != 0 && timeoutMs != INFINITE)
+            m_Deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    }
+
+    uint32_t Milliseconds() const {
+        if (m_TimeoutMs == 0 || m_TimeoutMs == INFINITE)
+            return m_TimeoutMs;
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_Deadline - Clock::now()).count();
+        return static_cast<uint32_t>(std::max<int64_t>(0, left));
+    }
+
+private:
+    uint32_t m_TimeoutMs;
+    Clock::time_point m_Deadline;
+};
+
+enum Handle : size_t { FILLED, STOPPED, THREAD_ERROR, DEVICE_LOST, HANDLE_COUNT };
+
+} // namespace
+
+CZqStreamBuffer* CZqDataStream::TakeDelivered(std::shared_ptr<CZqEventNewBuffer>& thread) {
+    const GenApi::AutoLock lock(m_Delivered.GetLock());
+    CZqStreamBuffer* const pBuffer = m_Delivered.TakeFront();
+    if (pBuffer != nullptr)
+        pBuffer->SetLent(true);
+    else
+        thread = m_pNewBuffer;
+    return pBuffer;
+}
+
+IZqStreamBufferReleasable* CZqDataStream::RetrieveBuffer(uint32_t timeoutMs, EZqTimeoutHandling_t handling) {
+    const ReaderInside inside(m_nReaders);
+    const Remaining remaining(timeoutMs);
+    for (;;) {
+        if (m_bReleasing)
+            return nullptr;
+        std::shared_ptr<CZqEventNewBuffer> thread;
+        if (CZqStreamBuffer* const pBuffer = TakeDelivered(thread)) {
+            AttachChunks(*pBuffer);
+            return pBuffer;
+        }
+        CEventObject* handles[HANDLE_COUNT] = {};
+        handles[FILLED] = &m_Delivered.GetFilledEvent();
+        handles[STOPPED] = &m_StopEvent;
+        handles[THREAD_ERROR] = thread ? &thread->GetErrorEvent() : nullptr;
+        handles[DEVICE_LOST] = m_pDeviceLostEvent.get();
+        const uint32_t waitMs = remaining.Milliseconds();
+        const WaitResult result = WaitMultiple(HANDLE_COUNT, handles, false, waitMs);
+        if (result.kind != WaitResult::Signalled) {
+            // A clock set forward, or a signal that another reader took, ends a wait before its time.
+            if (remaining.Milliseconds() != 0)
+                continue;
+            if (handling == ZqTimeoutHandling_ThrowException)
+                throw ReportError<GenICam::TimeoutException>(
+                    UNIT, __LINE__,
+                    "A timeout occurred during the processing of IZqDataStream::RetrieveBuffer(%u, %u)",
+                    timeoutMs, static_cast<uint32_t>(handling));
+            return nullptr;
+        }
+        if (result.index == FILLED)
+            continue;
+        if (result.index == STOPPED)
+            return nullptr;
+        if (result.index == DEVICE_LOST)
+            throw ReportError<GenICam::AccessException>(UNIT, __LINE__, "The device is lost.");
+        ThrowThreadError(*thread);
+        return nullptr;
+    }
+}
+
+void CZqDataStream::ThrowThreadError(CZqEventNewBuffer& thread) {
+    // Another reader may have taken the error meanwhile.
+    if (WaitForSingleObject(&thread.GetErrorEvent(), 0) != WAIT_OBJECT_0)
+        return;
+    const GC_ERROR error = thread.TakeLastError();
+    // The failing call was made on another thread, so the producer's text for it is seldom to be had here.
+    throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, error, "EventGetData",
+                        "%d = EventGetData(0x%p 0x%p, %I64u, %I64u)", error, thread.GetEventHandle(),
+                        thread.GetReceiveBuffer(), thread.GetReceiveBufferSize(), thread.GetReceiveTimeout());
+}
+
+void CZqDataStream::AttachChunks(CZqStreamBuffer& buffer) {
+    try {
+        if (buffer.GetInfo().IsIncomplete())
+            return;
+        const size_t payloadType = buffer.GetInfo().GetPayloadType();
+        if (payloadType == PAYLOAD_TYPE_CHUNK_DATA || payloadType == PAYLOAD_TYPE_CHUNK_ONLY)
+            buffer.AttachChunkBuffer();
+    } catch (const GenICam::GenericException&) {
+        // What can't be read as chunk data is a frame all the same.
+        buffer.DetachChunkBuffer();
+    }
+}
+
+void CZqDataStream::OnNewBuffer(IZqStreamBufferInside* pBuffer) {
+    auto* const pStreamBuffer = static_cast<CZqStreamBuffer*>(pBuffer);
+    ++m_nDelivered;
+    CountRates(*pStreamBuffer);
+    {
+        const GenApi::AutoLock lock(m_Delivered.GetLock());
+        pStreamBuffer->ForgetChunkBuffer();
+        m_Delivered.Append(pStreamBuffer);
+    }
+    CZqCallbackParamNewBuffer param(this);
+    m_CallbackManager.RunCallback(&param);
+}
+
+void CZqDataStream::CountRates(CZqStreamBuffer& buffer) {
+    // What can't be read is not counted; the buffer is delivered whatever the producer answers here.
+    try {
+        if (!buffer.GetInfo().IsIncomplete())
+            m_FPS.Rcv();
+    } catch (const GenICam::GenericException&) {
+    }
+    try {
+        m_BPS.Rcv(CountedBytes(buffer));
+    } catch (const GenICam::GenericException&) {
+    }
+}
+
+size_t CZqDataStream::CountedBytes(CZqStreamBuffer& buffer) {
+    if (m_bCountDataSize) {
+        try {
+            return buffer.GetInfo().GetDataSize();
+        } catch (const GenICam::GenericException&) {
+            m_bCountDataSize = false;
+        }
+    }
+    IZqImage* const pImage = buffer.GetIZqImage();
+    return pImage->GetImageHeight() * pImage->GetImageLinePitch();
+}
+
+} // namespace ZqApi
