@@ -12,8 +12,12 @@ function(zq_add_test name)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main Threads::Threads)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
-    gtest_discover_tests(${name}
-        DISCOVERY_MODE PRE_TEST
-        DISCOVERY_TIMEOUT 60
-        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}" ENVIRONMENT "${ARG_ENVIRONMENT}")
+    # An empty property value gets lost on the way to ctest and takes the next name for its own.
+    set(properties TIMEOUT ${ARG_TIMEOUT})
+    foreach(property LABELS ENVIRONMENT)
+        if(ARG_${property})
+            list(APPEND properties ${property} "${ARG_${property}}")
+        endif()
+    endforeach()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
