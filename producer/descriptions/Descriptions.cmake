@@ -1,0 +1,73 @@
+# Writes the description files from their templates and embeds them. Afterwards DESCRIPTION_SOURCES lists the sources.
+set(DESCRIPTION_SOURCES "")
+set(templates "${CMAKE_CURRENT_LIST_DIR}")
+set(written "${CMAKE_CURRENT_BINARY_DIR}/descriptions")
+file(MAKE_DIRECTORY "${written}")
+
+function(zq_embed symbol file)
+    set(source "${written}/${symbol}.cpp")
+    add_custom_command(OUTPUT "${source}"
+        COMMAND "${CMAKE_COMMAND}" -DINPUT=${file} -DSYMBOL=${symbol} -DOUTPUT=${source}
+                -P "${templates}/Embed.cmake"
+        DEPENDS "${file}" "${templates}/Embed.cmake"
+        COMMENT "Embedding ${symbol}" VERBATIM)
+    set(DESCRIPTION_SOURCES ${DESCRIPTION_SOURCES} "${source}" PARENT_SCOPE)
+endfunction()
+
+# zq_description(<symbol> <template>): the template, with the variables of the caller, as plain XML.
+function(zq_description symbol template)
+    configure_file("${templates}/${template}.xml.in" "${written}/zqgentl_${symbol}.xml" @ONLY)
+    zq_embed(${symbol} "${written}/zqgentl_${symbol}.xml")
+    set(DESCRIPTION_SOURCES ${DESCRIPTION_SOURCES} PARENT_SCOPE)
+endfunction()
+
+# The same, zipped.
+function(zq_zipped_description symbol template)
+    set(xml "zqgentl_${symbol}.xml")
+    set(zip "${written}/zqgentl_${symbol}.zip")
+    configure_file("${templates}/${template}.xml.in" "${written}/${xml}" @ONLY)
+    add_custom_command(OUTPUT "${zip}"
+        COMMAND "${CMAKE_COMMAND}" -E tar cf "${zip}" --format=zip --mtime=2020-01-01 "${xml}"
+        DEPENDS "${written}/${xml}" WORKING_DIRECTORY "${written}"
+        COMMENT "Zipping ${xml}" VERBATIM)
+    zq_embed(${symbol} "${zip}")
+    set(DESCRIPTION_SOURCES ${DESCRIPTION_SOURCES} PARENT_SCOPE)
+endfunction()
+
+# A part of a template that only the modules of GigE Vision have.
+function(zq_read_part variable part)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${templates}/${part}.xml.part")
+    file(READ "${templates}/${part}.xml.part" text)
+    set(${variable} "${text}" PARENT_SCOPE)
+endfunction()
+
+zq_description(system system)
+zq_description(stream stream)
+
+set(GEV_FEATURES "")
+set(GEV_NODES "")
+foreach(technology u3v cxp)
+    zq_description(interface_${technology} interface)
+    zq_description(device_${technology} device)
+endforeach()
+set(GEV_FEATURES "        <pFeature>GevInterfaceInformation</pFeature>\n")
+zq_read_part(GEV_NODES interface_gev)
+zq_description(interface_gev interface)
+set(GEV_FEATURES "        <pFeature>GevDeviceInformation</pFeature>\n")
+zq_read_part(GEV_NODES device_gev)
+zq_description(device_gev device)
+
+set(CAMERA_MODEL SimU3V2M)
+set(CAMERA_STANDARD USB)
+set(CAMERA_ENDIANESS LittleEndian)
+set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000001)
+zq_description(camera_u3v camera)
+set(CAMERA_MODEL SimGEV5M)
+set(CAMERA_STANDARD GEV)
+set(CAMERA_ENDIANESS BigEndian)
+set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000002)
+zq_zipped_description(camera_gev camera)
+set(CAMERA_MODEL SimCXP12M)
+set(CAMERA_STANDARD None)
+set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000003)
+zq_description(camera_cxp camera)

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "producer/gentl/Module.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <list>
+#include <memory>
+#include <mutex>
+
+namespace zqgentl {
+
+/// Where an announced buffer is: nowhere (the consumer's), in the input pool, being filled, or in the output
+/// queue.
+enum class Place { Idle, Input, Filling, Output };
+
+/// What is known of the frame in a buffer.
+struct FrameInfo {
+    bool present = false;
+    bool incomplete = false;
+    bool largerThanBuffer = false;
+    uint64_t frameId = 0;
+    uint64_t timestampNs = 0;
+    uint64_t width = 0;
+    uint64_t height = 0;
+    uint64_t deliveredHeight = 0;
+    uint64_t offsetX = 0;
+    uint64_t offsetY = 0;
+    uint64_t pixelFormat = 0;
+    size_t sizeFilled = 0;
+};
+
+/// An announced buffer. Its place belongs to the stream's engine; the frame may be set and asked from any
+/// thread.
+class BufferModule final : public Module {
+public:
+    static constexpr Kind kind = Kind::Buffer;
+
+    /// A buffer in the consumer's memory, or, without a base address, in memory of its own.
+    BufferModule(const char* tlType, void* base, size_t size, void* userPointer);
+
+    [[nodiscard]] uint8_t* Base() const noexcept { return m_base; }
+    [[nodiscard]] size_t Size() const noexcept { return m_size; }
+    [[nodiscard]] void* UserPointer() const noexcept { return m_userPointer; }
+    [[nodiscard]] const char* TlType() const noexcept { return m_tlType; }
+    [[nodiscard]] bool OwnsMemory() const noexcept { return m_memory != nullptr; }
+    [[nodiscard]] Place CurrentPlace() const noexcept { return m_place; }
+
+    [[nodiscard]] FrameInfo Frame() const;
+    void SetFrame(const FrameInfo& frame);
+
+    void AnswerInfo(GenTL::BUFFER_INFO_CMD command, const InfoTarget& target) const;
+
+private:
+    friend class BufferPool;
+    struct FreeMemory {
+        void operator()(uint8_t* memory) const noexcept { std::free(memory); }
+    };
+
+    const char* m_tlType;
+    std::unique_ptr<uint8_t, FreeMemory> m_memory;
+    uint8_t* m_base;
+    size_t m_size;
+    void* m_userPointer;
+
+    std::atomic<Place> m_place{Place::Idle};
+    std::list<BufferModule*>::iterator m_position;
+    std::atomic<const class BufferPool*> m_pool{nullptr}; // where it is announced
+
+    mutable std::mutex m_frameLock;
+    FrameInfo m_frame;
+};
+
+} // namespace zqgentl

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "producer/gentl/BufferModule.h"
+
+#include <array>
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace zqgentl {
+
+/// The announced buffers of a stream and the four places they can be in, each a queue. Moving a buffer
+/// between places allocates nothing. Not locked: the engine calls it under its own lock.
+class BufferPool {
+public:
+    void Announce(std::shared_ptr<BufferModule> buffer);
+    /// Returns the buffer so that it outlives the call; it must be idle.
+    std::shared_ptr<BufferModule> Revoke(BufferModule& buffer);
+    [[nodiscard]] bool Contains(const BufferModule& buffer) const noexcept { return buffer.m_pool == this; }
+    [[nodiscard]] const std::vector<std::shared_ptr<BufferModule>>& Announced() const noexcept {
+        return m_announced;
+    }
+
+    /// Appends the buffer to the queue of a place.
+    void Move(BufferModule& buffer, Place to);
+    void MoveToFront(BufferModule& buffer, Place to);
+    void MoveAll(Place from, Place to);
+    /// The oldest buffer at a place, or null.
+    [[nodiscard]] BufferModule* First(Place place) const;
+    [[nodiscard]] size_t Count(Place place) const { return At(place).size(); }
+
+private:
+    using List = std::list<BufferModule*>;
+    [[nodiscard]] List& At(Place place) { return m_places[static_cast<size_t>(place)]; }
+    [[nodiscard]] const List& At(Place place) const { return m_places[static_cast<size_t>(place)]; }
+
+    std::array<List, 4> m_places;
+    std::vector<std::shared_ptr<BufferModule>> m_announced;
+    std::set<const void*> m_bases;
+};
+
+} // namespace zqgentl

@@ -1,0 +1,392 @@
+#include "producer/gentl/StreamEngine.h"
+
+#include "producer/sim/Failure.h"
+#include "producer/sim/Pattern.h"
+
+#include <cstring>
+
+namespace zqgentl {
+
+namespace {
+
+// A thread that was held up this long starts a new beat instead of catching up.
+constexpr std::chrono::seconds maxBacklog(1);
+
+FrameInfo Describe(const FrameTicket& ticket, uint64_t timestampNs) {
+    FrameInfo frame;
+    frame.present = true;
+    frame.frameId = ticket.frameId;
+    frame.timestampNs = timestampNs;
+    frame.width = ticket.plan.region.width;
+    frame.height = ticket.plan.region.height;
+    frame.offsetX = ticket.plan.region.x;
+    frame.offsetY = ticket.plan.region.y;
+    frame.pixelFormat = ticket.plan.pixelFormat;
+    return frame;
+}
+
+void Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
+    FrameInfo frame = Describe(ticket, timestampNs);
+    frame.sizeFilled =
+        DrawMono8(ticket.plan.pattern, ticket.plan.region, ticket.frameId, buffer.Base(), buffer.Size());
+    frame.deliveredHeight = frame.sizeFilled / frame.width;
+    frame.largerThanBuffer = frame.sizeFilled < frame.width * frame.height;
+    frame.incomplete = frame.largerThanBuffer;
+    buffer.SetFrame(frame);
+}
+
+uint64_t Nanoseconds(std::chrono::steady_clock::time_point time) {
+    return static_cast<uint64_t>(std::chrono::nanoseconds(time.time_since_epoch()).count());
+}
+
+} // namespace
+
+/// While one exists the thread is not writing into a buffer and takes no new one.
+class StreamEngine::Pause {
+public:
+    Pause(StreamEngine& engine, Lock& lock) : m_engine(engine) {
+        ++m_engine.m_pauses;
+        m_engine.m_settled.wait(lock, [this] { return !m_engine.m_writing; });
+    }
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+    ~Pause() {
+        --m_engine.m_pauses;
+        m_engine.m_wake.notify_one();
+    }
+
+private:
+    StreamEngine& m_engine;
+};
+
+StreamEngine::StreamEngine(Camera& camera) : m_camera(camera) {
+    m_lost = camera.Lost();
+    m_thread = std::thread([this] { Run(); });
+}
+
+StreamEngine::~StreamEngine() {
+    Shutdown();
+}
+
+void StreamEngine::RequireAnnounced(const BufferModule& buffer) const {
+    if (!m_pool.Contains(buffer))
+        throw Failure(GenTL::GC_ERR_INVALID_HANDLE, "the buffer is not announced on this stream");
+}
+
+void StreamEngine::Announce(std::shared_ptr<BufferModule> buffer) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    m_pool.Announce(std::move(buffer));
+}
+
+std::shared_ptr<BufferModule> StreamEngine::Revoke(BufferModule& buffer) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    RequireAnnounced(buffer);
+    if (buffer.CurrentPlace() != Place::Idle)
+        throw Failure(GenTL::GC_ERR_BUSY, "the buffer is queued, being filled or awaiting delivery");
+    return m_pool.Revoke(buffer);
+}
+
+std::shared_ptr<BufferModule> StreamEngine::BufferAt(uint32_t index) const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    if (index >= m_pool.Announced().size())
+        throw Failure(GenTL::GC_ERR_INVALID_INDEX,
+                      "buffer " + std::to_string(index) + " of " + std::to_string(m_pool.Announced().size()));
+    return m_pool.Announced()[index];
+}
+
+std::vector<std::shared_ptr<BufferModule>> StreamEngine::Buffers() const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    return m_pool.Announced();
+}
+
+void StreamEngine::Queue(BufferModule& buffer) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    RequireAnnounced(buffer);
+    if (buffer.CurrentPlace() != Place::Idle)
+        throw Failure(GenTL::GC_ERR_RESOURCE_IN_USE,
+                      "the buffer is queued, being filled or awaiting delivery");
+    buffer.SetFrame(FrameInfo());
+    m_pool.Move(buffer, Place::Input);
+    if (m_threadIdle)
+        m_wake.notify_one();
+}
+
+void StreamEngine::Flush(GenTL::ACQ_QUEUE_TYPE operation) {
+    Lock lock(m_lock);
+    const Pause pause(*this, lock);
+    switch (operation) {
+    case GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT:
+        m_counters.queuedForDelivery += m_pool.Count(Place::Input);
+        m_pool.MoveAll(Place::Input, Place::Output);
+        if (m_gate != nullptr)
+            m_gate->NotifyAll();
+        break;
+    case GenTL::ACQ_QUEUE_OUTPUT_DISCARD:
+        m_pool.MoveAll(Place::Output, Place::Idle);
+        break;
+    case GenTL::ACQ_QUEUE_ALL_TO_INPUT:
+        CancelCurrent(Place::Input);
+        Requeue(Place::Output);
+        break;
+    case GenTL::ACQ_QUEUE_UNQUEUED_TO_INPUT:
+        Requeue(Place::Idle);
+        break;
+    case GenTL::ACQ_QUEUE_ALL_DISCARD:
+        CancelCurrent(Place::Idle);
+        m_pool.MoveAll(Place::Input, Place::Idle);
+        m_pool.MoveAll(Place::Output, Place::Idle);
+        break;
+    default:
+        throw Failure(GenTL::GC_ERR_NOT_IMPLEMENTED,
+                      "there is no queue operation " + std::to_string(operation));
+    }
+}
+
+void StreamEngine::Requeue(Place from) {
+    while (BufferModule* buffer = m_pool.First(from)) {
+        buffer->SetFrame(FrameInfo());
+        m_pool.Move(*buffer, Place::Input);
+    }
+}
+
+void StreamEngine::CancelCurrent(Place to) {
+    if (m_current == nullptr)
+        return;
+    m_pool.Move(*m_current, to);
+    m_current = nullptr;
+    m_wake.notify_one();
+    m_settled.notify_all();
+}
+
+void StreamEngine::Start(uint64_t frames) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    if (frames == 0)
+        throw Failure(GenTL::GC_ERR_INVALID_PARAMETER, "0 frames can't be acquired");
+    if (m_stopOwed)
+        throw Failure(GenTL::GC_ERR_RESOURCE_IN_USE, "the acquisition is started already");
+    if (m_pool.Announced().size() < buffersMin)
+        throw Failure(GenTL::GC_ERR_INVALID_BUFFER, "no buffer is announced");
+    m_counters.delivered = 0;
+    m_remaining = frames;
+    m_running = true;
+    m_stopOwed = true;
+    m_rescheduled = true;
+    m_wake.notify_one();
+}
+
+void StreamEngine::Stop(GenTL::ACQ_STOP_FLAGS flags) {
+    Lock lock(m_lock);
+    if (!m_stopOwed)
+        throw Failure(GenTL::GC_ERR_RESOURCE_IN_USE, "the acquisition is not started");
+    m_running = false;
+    m_stopOwed = false;
+    m_wake.notify_one();
+    if (flags == GenTL::ACQ_STOP_FLAGS_DEFAULT) {
+        m_settled.wait(lock, [this] { return m_current == nullptr; });
+        return;
+    }
+    m_settled.wait(lock, [this] { return !m_writing; });
+    if (m_current != nullptr)
+        DeliverUnfinished();
+}
+
+void StreamEngine::DeliverUnfinished() {
+    FrameInfo frame = m_currentFrame;
+    frame.incomplete = true;
+    m_current->SetFrame(frame);
+    Deliver(*m_current);
+    m_wake.notify_one();
+}
+
+StreamEngine::Counts StreamEngine::Count() const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    return {m_counters, m_pool.Announced().size(), m_pool.Count(Place::Input) + m_pool.Count(Place::Filling),
+            m_pool.Count(Place::Output), m_running};
+}
+
+void StreamEngine::Wake() {
+    std::lock_guard<std::mutex> guard(m_lock);
+    m_wake.notify_one();
+}
+
+void StreamEngine::Lose() {
+    Lock lock(m_lock);
+    m_lost = true;
+    m_running = false;
+    const Pause pause(*this, lock);
+    CancelCurrent(Place::Idle);
+    m_pool.MoveAll(Place::Input, Place::Idle);
+    m_pool.MoveAll(Place::Output, Place::Idle);
+}
+
+void StreamEngine::Shutdown() {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        m_quit = true;
+        m_running = false;
+        m_wake.notify_one();
+    }
+    if (m_thread.joinable())
+        m_thread.join();
+    Lock lock(m_lock);
+    CancelCurrent(Place::Idle);
+    m_pool.MoveAll(Place::Input, Place::Idle);
+    m_pool.MoveAll(Place::Output, Place::Idle);
+}
+
+void StreamEngine::Attach(EventGate& gate) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    m_gate = &gate;
+}
+
+void StreamEngine::Detach(EventGate& gate) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    gate.Close();
+    if (m_gate == &gate)
+        m_gate = nullptr;
+    m_pool.MoveAll(Place::Output, Place::Idle);
+}
+
+void StreamEngine::KillWait(EventGate& gate) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    gate.Kill();
+}
+
+void StreamEngine::TakeFilled(EventGate& gate, void* buffer, size_t* size, uint64_t timeoutMs) {
+    Lock lock(m_lock);
+    // After a loss nothing is handed out any more, but the waits last as long as before.
+    gate.Await(lock, timeoutMs, [this] { return !m_lost && m_pool.Count(Place::Output) > 0; });
+    BufferModule& filled = *m_pool.First(Place::Output);
+    if (buffer != nullptr) {
+        const GenTL::EVENT_NEW_BUFFER_DATA data{filled.Handle(), filled.UserPointer()};
+        ReplyBytes(&data, sizeof data, buffer, size);
+    }
+    m_pool.Move(filled, Place::Idle);
+}
+
+void StreamEngine::DiscardOutput() {
+    std::lock_guard<std::mutex> guard(m_lock);
+    m_pool.MoveAll(Place::Output, Place::Idle);
+}
+
+bool StreamEngine::Flowing() const {
+    return m_running && m_camera.Acquiring();
+}
+
+bool StreamEngine::Disturbed(const FrameTicket& ticket) const {
+    return m_quit || !Flowing() || ticket.revision != m_camera.Revision();
+}
+
+bool StreamEngine::MayTake() const {
+    return m_pauses == 0 && m_pool.Count(Place::Input) > 0;
+}
+
+void StreamEngine::Run() {
+    FrameTicket ticket;
+    Lock lock(m_lock);
+    while (!m_quit) {
+        if (!Flowing()) {
+            m_wake.wait(lock, [this] { return m_quit || Flowing(); });
+        } else if (ticket.revision != m_camera.Revision()) {
+            lock.unlock();
+            m_camera.Refresh(ticket);
+            lock.lock();
+        } else if (ticket.plan.paced) {
+            PacedFrame(lock, ticket);
+        } else {
+            FreeFrame(lock, ticket);
+        }
+    }
+}
+
+void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
+    if (!MayTake()) {
+        m_threadIdle = true;
+        m_wake.wait(lock, [&] { return MayTake() || Disturbed(ticket); });
+        m_threadIdle = false;
+        return;
+    }
+    BufferModule& buffer = *m_pool.First(Place::Input);
+    Take(buffer);
+    m_writing = true;
+    lock.unlock();
+    const bool begun = m_camera.BeginFrame(ticket);
+    if (begun)
+        Fill(buffer, ticket, static_cast<uint64_t>(SteadyNow()));
+    lock.lock();
+    m_writing = false;
+    if (begun) {
+        ++m_counters.started;
+        Deliver(buffer);
+        return;
+    }
+    m_pool.MoveToFront(buffer, Place::Input);
+    m_current = nullptr;
+    m_settled.notify_all();
+}
+
+void StreamEngine::Schedule(const FrameTicket& ticket) {
+    if (!m_rescheduled && ticket.run == m_run && Clock::now() - m_due < maxBacklog)
+        return;
+    m_rescheduled = false;
+    m_run = ticket.run;
+    m_due = Clock::now();
+}
+
+bool StreamEngine::AwaitDue(Lock& lock, const FrameTicket& ticket) {
+    return !m_wake.wait_until(lock, m_due, [&] { return Disturbed(ticket); });
+}
+
+void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
+    Schedule(ticket);
+    if (!AwaitDue(lock, ticket))
+        return;
+    lock.unlock();
+    const bool begun = m_camera.BeginFrame(ticket);
+    lock.lock();
+    if (!begun)
+        return;
+    const Clock::time_point exposed = m_due;
+    m_due += ticket.plan.period;
+    m_wake.wait(lock, [this] { return m_quit || m_pauses == 0; });
+    if (m_quit || !m_running)
+        return;
+    if (!MayTake()) {
+        ++m_counters.underrun;
+        return;
+    }
+    BufferModule& buffer = *m_pool.First(Place::Input);
+    Take(buffer);
+    ++m_counters.started;
+    m_currentFrame = Describe(ticket, Nanoseconds(exposed));
+    // A frame once begun is finished, unless it is taken away by a flush, a kill or a loss.
+    const bool taken = m_wake.wait_until(lock, exposed + ticket.plan.exposure,
+                                         [&] { return m_quit || m_current != &buffer; });
+    if (taken)
+        return;
+    m_writing = true;
+    lock.unlock();
+    Fill(buffer, ticket, Nanoseconds(exposed));
+    lock.lock();
+    m_writing = false;
+    Deliver(buffer);
+}
+
+void StreamEngine::Take(BufferModule& buffer) {
+    m_pool.Move(buffer, Place::Filling);
+    m_current = &buffer;
+}
+
+void StreamEngine::Deliver(BufferModule& buffer) {
+    m_pool.Move(buffer, Place::Output);
+    m_current = nullptr;
+    ++m_counters.delivered;
+    ++m_counters.queuedForDelivery;
+    if (m_remaining != GENTL_INFINITE && --m_remaining == 0)
+        m_running = false;
+    if (m_gate != nullptr)
+        m_gate->NotifyData();
+    m_settled.notify_all();
+}
+
+} // namespace zqgentl

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "producer/gentl/BufferPool.h"
+#include "producer/gentl/EventGate.h"
+#include "producer/sim/Camera.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <thread>
+
+namespace zqgentl {
+
+/// How many buffers a stream needs to start.
+constexpr size_t buffersMin = 1;
+
+/// Moves frames from a camera into a stream's buffers, on a thread of its own. Frames flow while the stream
+/// is started and the camera is acquiring. A paced camera exposes by the clock and loses the frame when no
+/// buffer is queued; a camera without pace waits for one. Any thread may call any member.
+class StreamEngine {
+public:
+    struct Counters {
+        uint64_t delivered = 0; ///< since the last start
+        uint64_t underrun = 0;  ///< since the stream was opened, like the rest
+        uint64_t started = 0;
+        uint64_t queuedForDelivery = 0;
+    };
+    struct Counts {
+        Counters counters;
+        size_t announced;
+        size_t queued;
+        size_t awaiting;
+        bool grabbing;
+    };
+
+    explicit StreamEngine(Camera& camera);
+    StreamEngine(const StreamEngine&) = delete;
+    StreamEngine& operator=(const StreamEngine&) = delete;
+    ~StreamEngine();
+
+    void Announce(std::shared_ptr<BufferModule> buffer);
+    std::shared_ptr<BufferModule> Revoke(BufferModule& buffer);
+    [[nodiscard]] std::shared_ptr<BufferModule> BufferAt(uint32_t index) const;
+    [[nodiscard]] std::vector<std::shared_ptr<BufferModule>> Buffers() const;
+    /// GC_ERR_INVALID_HANDLE for a buffer of another stream or none.
+    void RequireAnnounced(const BufferModule& buffer) const;
+    void Queue(BufferModule& buffer);
+    void Flush(GenTL::ACQ_QUEUE_TYPE operation);
+
+    void Start(uint64_t frames);
+    void Stop(GenTL::ACQ_STOP_FLAGS flags);
+    [[nodiscard]] Counts Count() const;
+
+    /// To be called after any change of the camera, so that the thread looks at it again.
+    void Wake();
+    /// The camera is gone: everything stops where it is and every buffer is idle.
+    void Lose();
+    /// Ends the thread; nothing is written into any buffer afterwards.
+    void Shutdown();
+
+    /// The consumer's side of the output queue, waited for through the gate of its registration.
+    void Attach(EventGate& gate);
+    void Detach(EventGate& gate);
+    void KillWait(EventGate& gate);
+    void TakeFilled(EventGate& gate, void* buffer, size_t* size, uint64_t timeoutMs);
+    void DiscardOutput();
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+    using Clock = std::chrono::steady_clock;
+    class Pause;
+
+    void Run();
+    void FreeFrame(Lock& lock, FrameTicket& ticket);
+    void PacedFrame(Lock& lock, FrameTicket& ticket);
+    [[nodiscard]] bool AwaitDue(Lock& lock, const FrameTicket& ticket);
+    void Schedule(const FrameTicket& ticket);
+    void Take(BufferModule& buffer);
+    void Deliver(BufferModule& buffer);
+    void DeliverUnfinished();
+    void CancelCurrent(Place to);
+    void Requeue(Place from);
+    [[nodiscard]] bool Flowing() const;
+    [[nodiscard]] bool Disturbed(const FrameTicket& ticket) const;
+    [[nodiscard]] bool MayTake() const;
+
+    Camera& m_camera;
+    mutable std::mutex m_lock;
+    std::condition_variable m_wake;    // the thread waits on it
+    std::condition_variable m_settled; // callers that need the thread to be out of a buffer wait on it
+    BufferPool m_pool;
+    EventGate* m_gate = nullptr;
+    Counters m_counters;
+    uint64_t m_remaining = 0;
+    BufferModule* m_current = nullptr; // taken by the thread
+    FrameInfo m_currentFrame;          // what is known of its frame while it is exposed
+    bool m_writing = false;            // the thread writes into it, without the lock
+    unsigned m_pauses = 0;             // callers that want no new buffer taken
+    bool m_threadIdle = false;
+    bool m_running = false;
+    bool m_stopOwed = false;
+    bool m_lost = false;
+    bool m_quit = false;
+    bool m_rescheduled = true;
+    uint64_t m_run = 0;
+    Clock::time_point m_due;
+    std::thread m_thread;
+};
+
+} // namespace zqgentl

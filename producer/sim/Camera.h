@@ -1,0 +1,158 @@
+#pragma once
+
+#include "producer/sim/CameraModel.h"
+#include "producer/sim/Pattern.h"
+#include "producer/sim/RegisterMap.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+namespace zqgentl {
+
+constexpr int64_t pixelFormatMono8 = 0x01080001;
+
+/// Numbered as the enumeration AcquisitionMode numbers them.
+enum class AcquisitionMode : int64_t { SingleFrame = 1, MultiFrame = 2, Continuous = 3 };
+
+/// What the registers of a camera set, with the values after power-up.
+struct CameraSettings {
+    int64_t width = 640;
+    int64_t height = 480;
+    int64_t offsetX = 0;
+    int64_t offsetY = 0;
+    int64_t pixelFormat = pixelFormatMono8;
+    int64_t testPattern = 0;
+    int64_t acquisitionMode = static_cast<int64_t>(AcquisitionMode::Continuous);
+    int64_t acquisitionFrameCount = 1;
+    int64_t frameRateEnable = 1;
+    double frameRate = 30.0;
+    double exposureTimeUs = 1000.0;
+    int64_t tlParamsLocked = 0;
+    int64_t timestampLatch = 0;
+};
+
+/// How the next frames are to be made. Without pace the camera is as fast as its host takes frames.
+struct FramePlan {
+    Region region;
+    uint64_t pixelFormat = 0;
+    TestPattern pattern = TestPattern::DiagonalRampMoving;
+    bool paced = true;
+    std::chrono::nanoseconds period{0};
+    std::chrono::nanoseconds exposure{0};
+};
+
+/// What a host keeps from frame to frame: the plan, which revision of the settings it was made from, which
+/// execution of AcquisitionStart it belongs to, and the id of the frame begun last.
+struct FrameTicket {
+    uint64_t revision = 0;
+    uint64_t run = 0;
+    uint64_t frameId = 0;
+    FramePlan plan;
+};
+
+/// Who wants to know of changes that the camera's registers cause. Called without any lock of the camera's
+/// settings, on the thread that wrote the register.
+class CameraListener {
+public:
+    virtual void OnCameraChanged() = 0;
+    virtual void OnCameraLost() = 0;
+
+protected:
+    ~CameraListener() = default;
+};
+
+/// A simulated camera: its registers and the frames it has to give. Any thread may use it.
+class Camera {
+public:
+    explicit Camera(const CameraModel& model);
+    Camera(const Camera&) = delete;
+    Camera& operator=(const Camera&) = delete;
+
+    /// Opening a camera switches it on: settings are those of power-up and a loss is over. The user-defined
+    /// name stays.
+    void PowerOn(CameraListener& listener);
+    /// No call to the listener is under way or comes later once this has returned.
+    void PowerOff();
+
+    [[nodiscard]] const CameraModel& Model() const noexcept { return m_model; }
+    [[nodiscard]] const RegisterMap& Registers() const noexcept { return m_registers; }
+    [[nodiscard]] bool Lost() const noexcept { return m_lost; }
+    [[nodiscard]] bool Acquiring() const noexcept { return m_acquiring; }
+    [[nodiscard]] uint64_t Revision() const noexcept { return m_revision; }
+    [[nodiscard]] CameraSettings Settings() const;
+    [[nodiscard]] int64_t PayloadSize() const;
+    [[nodiscard]] std::string UserId() const;
+    void SetUserId(const std::string& userId);
+
+    /// Brings the ticket's plan up to date; false when the camera isn't acquiring.
+    bool Refresh(FrameTicket& ticket) const;
+    /// Begins the next frame: the plan and the frame's id, which counts from 0 at each AcquisitionStart. The
+    /// last frame of a finite acquisition ends it. False when the camera isn't acquiring.
+    bool BeginFrame(FrameTicket& ticket);
+
+    /// Changes the settings as one step. A change to what frames look like is refused while the
+    /// transport-layer parameters are locked.
+    enum class Lockable { No, Yes };
+    template <class Change>
+    void Apply(Lockable lockable, Change change);
+    void StartAcquisition();
+    void StopAcquisition();
+    void Lose();
+
+private:
+    void RequireUnlocked() const;
+    void TakePlan(FrameTicket& ticket) const;
+    void NotifyChanged();
+
+    const CameraModel& m_model;
+    RegisterMap m_registers;
+
+    std::mutex m_listenerLock;
+    CameraListener* m_listener = nullptr;
+
+    mutable std::mutex m_lock;
+    CameraSettings m_settings;
+    std::string m_userId;
+    uint64_t m_run = 0;
+    uint64_t m_nextFrameId = 0;
+    uint64_t m_framesLeft = 0;
+    std::atomic<uint64_t> m_revision{1};
+    std::atomic<bool> m_acquiring{false};
+    std::atomic<bool> m_lost{false};
+};
+
+template <class Change>
+void Camera::Apply(Lockable lockable, Change change) {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        if (lockable == Lockable::Yes)
+            RequireUnlocked();
+        change(m_settings);
+        ++m_revision;
+    }
+    NotifyChanged();
+}
+
+/// The ranges that the registers keep and the descriptions state.
+constexpr int64_t widthMin = 8;
+constexpr int64_t widthIncrement = 8;
+constexpr int64_t heightMin = 1;
+constexpr double exposureTimeMinUs = 10.0;
+constexpr double exposureTimeMaxUs = 1e6;
+constexpr double frameRateMin = 0.1;
+
+/// The rate that the exposure time leaves room for, in frames per second.
+double MaxFrameRate(const CameraSettings& settings);
+/// The rate that results from the settings; 0 when the camera runs as fast as its host takes frames.
+double ResultingFrameRate(const CameraSettings& settings);
+
+/// The steady clock in nanoseconds: the time base of every timestamp.
+int64_t SteadyNow();
+
+/// Adds the camera's registers to its map.
+void BindCameraRegisters(Camera& camera, RegisterMap& map);
+
+} // namespace zqgentl

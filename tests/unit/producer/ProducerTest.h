@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Functions.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace GenTL;
+
+constexpr const char* u3vInterface = "ZQ-U3V-0";
+constexpr const char* gevInterface = "ZQ-GEV-0";
+constexpr const char* cxpInterface = "ZQ-CXP-0";
+
+/// Addresses of camera registers, written down here again from the descriptions.
+namespace camera {
+constexpr uint64_t Width = 0x410;
+constexpr uint64_t Height = 0x414;
+constexpr uint64_t OffsetX = 0x418;
+constexpr uint64_t OffsetY = 0x41C;
+constexpr uint64_t PixelFormat = 0x420;
+constexpr uint64_t AcquisitionMode = 0x500;
+constexpr uint64_t AcquisitionFrameCount = 0x504;
+constexpr uint64_t AcquisitionStart = 0x508;
+constexpr uint64_t AcquisitionStop = 0x50C;
+constexpr uint64_t AcquisitionFrameRate = 0x510;
+constexpr uint64_t AcquisitionFrameRateEnable = 0x520;
+constexpr uint64_t ExposureTime = 0x528;
+constexpr uint64_t TLParamsLocked = 0x600;
+constexpr uint64_t SimulationDeviceLost = 0x700;
+} // namespace camera
+
+/// One initialised library per test, with the few calls that every test needs.
+class ProducerTest : public testing::Test {
+protected:
+    const Functions& gentl = Producer();
+
+    void SetUp() override { ASSERT_EQ(gentl.GCInitLib(), GC_ERR_SUCCESS); }
+    void TearDown() override { EXPECT_EQ(gentl.GCCloseLib(), GC_ERR_SUCCESS); }
+
+    TL_HANDLE OpenSystem();
+    IF_HANDLE OpenInterface(TL_HANDLE system, const char* id);
+
+    std::string LastErrorText();
+};
+
+/// An open camera with its stream, and the small language that the stream tests are written in.
+class CameraTest : public ProducerTest {
+protected:
+    TL_HANDLE system = nullptr;
+    IF_HANDLE interface = nullptr;
+    DEV_HANDLE device = nullptr;
+    PORT_HANDLE remote = nullptr;
+    DS_HANDLE stream = nullptr;
+    EVENT_HANDLE newBuffer = nullptr;
+    bool bigEndian = false;
+
+    void Open(const char* interfaceId = u3vInterface, DEVICE_ACCESS_FLAGS access = DEVICE_ACCESS_CONTROL);
+    void OpenStream();
+
+    GC_ERROR WriteInt(uint64_t address, uint32_t value);
+    GC_ERROR WriteFloat(uint64_t address, double value);
+    uint32_t ReadInt(uint64_t address);
+
+    /// 8 x 8 pixels, as fast as it goes.
+    void MakeSmallAndFast();
+    void MakePaced(double framesPerSecond, double exposureUs);
+    std::vector<BUFFER_HANDLE> Announce(size_t count, size_t size);
+    void Queue(const std::vector<BUFFER_HANDLE>& buffers);
+    void Start(uint64_t frames = GENTL_INFINITE);
+
+    /// The next filled buffer, or null with the result in lastResult.
+    BUFFER_HANDLE Next(uint64_t timeoutMs = 5000);
+    GC_ERROR lastResult = GC_ERR_SUCCESS;
+
+    template <class T>
+    T BufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command);
+    template <class T>
+    T StreamInfo(STREAM_INFO_CMD command);
+    GC_ERROR BufferInfoResult(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command);
+};
+
+template <class T>
+T CameraTest::BufferInfo(BUFFER_HANDLE buffer, BUFFER_INFO_CMD command) {
+    T value{};
+    size_t size = sizeof value;
+    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
+    EXPECT_EQ(gentl.DSGetBufferInfo(stream, buffer, command, &type, &value, &size), GC_ERR_SUCCESS)
+        << command;
+    EXPECT_EQ(size, sizeof value) << command;
+    return value;
+}
+
+template <class T>
+T CameraTest::StreamInfo(STREAM_INFO_CMD command) {
+    T value{};
+    size_t size = sizeof value;
+    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
+    EXPECT_EQ(gentl.DSGetInfo(stream, command, &type, &value, &size), GC_ERR_SUCCESS) << command;
+    EXPECT_EQ(size, sizeof value) << command;
+    return value;
+}
