@@ -78,8 +78,10 @@ struct WaitResult {
 };
 
 /// Waits for one of the events (`waitAll`: for every one). Null elements are never signalled. Takes the
-/// signal of every self-resetting event found signalled, after a wait also when it timed out. Allocates
-/// nothing for up to eight events; beyond throws GenICam::BadAllocException before anything is registered.
+/// signal of every self-resetting event found signalled, after a wait also when it timed out. TimedOut may
+/// come early, when another thread took the signal that ended the wait: wait again for the rest of the time.
+/// Allocates nothing for up to eight events; beyond throws GenICam::BadAllocException before anything is
+/// registered.
 WaitResult WaitMultiple(size_t count, CEventObject* const* events, bool waitAll, uint32_t milliseconds);
 
 } // namespace ZqApi

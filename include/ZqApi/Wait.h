@@ -28,7 +28,8 @@ ZQAPI_API uint32_t WaitForSingleObject(void* handle, unsigned int milliseconds);
 /// Waits until one of `count` events (with `waitAll`: every one) is signalled, up to `milliseconds`.
 ///
 /// Takes the signal of every self-resetting event found signalled, not only of the one reported; a blocking
-/// wait does so even when it reports WAIT_TIMEOUT. A null handle counts as an event that is never signalled.
+/// wait does so even when it reports WAIT_TIMEOUT. A wait that loses its signal to another thread reports
+/// WAIT_TIMEOUT early, with INFINITE too. A null handle counts as an event that is never signalled.
 /// Any thread, no initialisation needed. Throws GenICam::BadAllocException, without text, when the system is
 /// out of resources; never for up to eight handles otherwise.
 ZQAPI_API uint32_t WaitForMultipleObjects(unsigned int count, void* const* handles, bool waitAll,
