@@ -33,8 +33,9 @@ TEST(EntryPoints, PatchOfTheBuildVersionIsNotCompared) {
 
 TEST(EntryPoints, AnotherMinorVersionIsRefusedWithBothVersions) {
     const Thrown thrown = Catch<GenICam::RuntimeException>([] { ZqApiInitialize(0x01010005); });
-    EXPECT_EQ(thrown.text, "The version of the runtime library is not matched the version of the build time library. "
-                           "Runtime:1.0.5, Build time:1.1.5");
+    EXPECT_EQ(thrown.text,
+              "The version of the runtime library is not matched the version of the build time library. "
+              "Runtime:1.0.5, Build time:1.1.5");
     EXPECT_EQ(thrown.source, "ZqApi_TL/ZqApi_TL");
 }
 
@@ -117,9 +118,9 @@ TEST(EntryPoints, VendorFourIsOutOfRange) {
 
 TEST(EntryPoints, NegativeVendorIsComparedUnsigned) {
     const Library library;
-    EXPECT_EQ(Catch<GenICam::OutOfRangeException>(
-                  [] { CreateIZqSystem(static_cast<EZqSystemVendor_t>(-1), ZqInterfaceType_All); })
-                  .text,
+    EXPECT_EQ(Catch<GenICam::OutOfRangeException>([] {
+                  CreateIZqSystem(static_cast<EZqSystemVendor_t>(-1), ZqInterfaceType_All);
+              }).text,
               "eZqSystemVendor = 4294967295 must be smaller than Max = 4");
 }
 
@@ -131,7 +132,8 @@ TEST(EntryPoints, FilterBelowOneIsOutOfRange) {
             .text;
     };
     EXPECT_EQ(text(ZqSystemVendor_Default, 0), "eTargetInterface = 0 must be equal or greater than Min = 1");
-    EXPECT_EQ(text(ZqSystemVendor_Default, -2), "eTargetInterface = -2 must be equal or greater than Min = 1");
+    EXPECT_EQ(text(ZqSystemVendor_Default, -2),
+              "eTargetInterface = -2 must be equal or greater than Min = 1");
     EXPECT_EQ(text(ZqSystemVendor_Euresys, ZqInterfaceType_GEV),
               "eTargetInterface = 0 must be equal or greater than Min = 1");
 }
@@ -163,9 +165,10 @@ TEST(EntryPoints, EachVendorHasItsOwnFile) {
 TEST(EntryPoints, MissingProducerIsNamed) {
     const Environment path("GENICAM_GENTL64_PATH", "/nowhere");
     const Library library;
-    EXPECT_EQ(
-        Catch<GenICam::RuntimeException>([] { CreateIZqSystem(ZqSystemVendor_Kaya, ZqInterfaceType_All); }).text,
-        "File KYFGLibGenTL.cti not found.");
+    EXPECT_EQ(Catch<GenICam::RuntimeException>([] {
+                  CreateIZqSystem(ZqSystemVendor_Kaya, ZqInterfaceType_All);
+              }).text,
+              "File KYFGLibGenTL.cti not found.");
 }
 
 TEST(EntryPoints, FailedAllocationKeepsTheCountAndNames) {
@@ -204,7 +207,9 @@ TEST(EntryPoints, ConcurrentInitialisationsAllFindTheLibraryReady) {
     EXPECT_THROW(CheckZqApiInitialized(), GenICam::RuntimeException);
 }
 
-TEST(EntryPoints, ModuleHandleIsAlwaysNull) { EXPECT_EQ(GetModuleHandleTL(), nullptr); }
+TEST(EntryPoints, ModuleHandleIsAlwaysNull) {
+    EXPECT_EQ(GetModuleHandleTL(), nullptr);
+}
 
 TEST(EntryPoints, WhatIsMissingSaysSo) {
     const Library library;

@@ -33,7 +33,11 @@ TEST_F(InfoQueries, TextIsAskedForInTwoCallsEveryTime) {
 
 TEST_F(InfoQueries, FailingSizeAndDataQueryAreReportedTheSame) {
     producer.Answer("TLGetInfo").Command(TL_INFO_VENDOR).SizeQuery().With(GC_ERR_NOT_AVAILABLE);
-    producer.Answer("TLGetInfo").Command(TL_INFO_MODEL).DataQuery().With(GC_ERR_BUFFER_TOO_SMALL).Saying("bigger");
+    producer.Answer("TLGetInfo")
+        .Command(TL_INFO_MODEL)
+        .DataQuery()
+        .With(GC_ERR_BUFFER_TOO_SMALL)
+        .Saying("bigger");
     const Thrown size = CatchProducerError([&] { Info().GetVendor(); });
     EXPECT_EQ(size.text, "-1014 = TLGetInfo(PTR, 1, PTR, PTR, PTR)");
     EXPECT_EQ(size.function, "TLGetInfo");
@@ -93,8 +97,12 @@ TEST_F(InfoQueries, FailingAllocationHasTheAllocatorsText) {
 }
 
 TEST_F(InfoQueries, ProducersTextFollowsOnlyItsOwnCode) {
-    producer.Answer("TLGetInfo").Command(TL_INFO_VENDOR).With(GC_ERR_IO).Saying(GC_ERR_ERROR, "another call's");
-    EXPECT_EQ(CatchProducerError([&] { Info().GetVendor(); }).text, "-1010 = TLGetInfo(PTR, 1, PTR, PTR, PTR)");
+    producer.Answer("TLGetInfo")
+        .Command(TL_INFO_VENDOR)
+        .With(GC_ERR_IO)
+        .Saying(GC_ERR_ERROR, "another call's");
+    EXPECT_EQ(CatchProducerError([&] { Info().GetVendor(); }).text,
+              "-1010 = TLGetInfo(PTR, 1, PTR, PTR, PTR)");
 }
 
 class InfoWithoutTLGetInfo : public ModuleTree {

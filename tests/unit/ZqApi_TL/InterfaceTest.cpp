@@ -165,7 +165,8 @@ TEST_F(InterfaceModule, AvailabilityFollowsStatusAndFlags) {
                                  {false, false, false}};
     for (size_t index = 0; index < 5; ++index)
         for (int flags = DEVICE_ACCESS_READONLY; flags <= DEVICE_ACCESS_EXCLUSIVE; ++flags)
-            EXPECT_EQ(interface->IsDeviceAvailable(index, flags), expected[index][flags - 2]) << index << " " << flags;
+            EXPECT_EQ(interface->IsDeviceAvailable(index, flags), expected[index][flags - 2])
+                << index << " " << flags;
 }
 
 TEST_F(InterfaceModule, FlagsOutsideTheirRangeAreRefusedBeforeTheIndex) {
@@ -235,8 +236,8 @@ TEST_F(InterfaceModule, IsTornDownInTheStatedOrder) {
     producer.ClearLog();
     system.reset();
     EXPECT_EQ(producer.Log({"EventKill", "GCUnregisterEvent", "IFClose"}),
-              (Calls{"EventKill(IF1/5)", "GCUnregisterEvent(IF1, 5)", "GCUnregisterEvent(IF1, 0)", "IFClose(IF1)",
-                     "GCUnregisterEvent(TL1, 0)"}));
+              (Calls{"EventKill(IF1/5)", "GCUnregisterEvent(IF1, 5)", "GCUnregisterEvent(IF1, 0)",
+                     "IFClose(IF1)", "GCUnregisterEvent(TL1, 0)"}));
 }
 
 TEST_F(InterfaceModule, FailingCloseIsNotSeen) {
@@ -297,10 +298,12 @@ TEST_F(InterfaceWithoutDeviceInfo, EveryGetterButTheIdThrows) {
     EXPECT_EQ(error([&] { info->GetTLType(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 3, PTR, PTR, PTR)");
     EXPECT_EQ(error([&] { info->GetDisplayName(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 4, PTR, PTR, PTR)");
     EXPECT_EQ(error([&] { info->GetAccessStatus(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 5, PTR, PTR, PTR)");
-    EXPECT_EQ(error([&] { info->GetUserDefinedName(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 6, PTR, PTR, PTR)");
+    EXPECT_EQ(error([&] { info->GetUserDefinedName(); }),
+              "-1003 = IFGetDeviceInfo(PTR, PTR, 6, PTR, PTR, PTR)");
     EXPECT_EQ(error([&] { info->GetSerialNumber(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 7, PTR, PTR, PTR)");
     EXPECT_EQ(error([&] { info->GetVersion(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 8, PTR, PTR, PTR)");
-    EXPECT_EQ(error([&] { info->GetTimestampFrequency(); }), "-1003 = IFGetDeviceInfo(PTR, PTR, 9, PTR, PTR, PTR)");
+    EXPECT_EQ(error([&] { info->GetTimestampFrequency(); }),
+              "-1003 = IFGetDeviceInfo(PTR, PTR, 9, PTR, PTR, PTR)");
 }
 
 } // namespace

@@ -10,8 +10,8 @@
 
 #include "tests/support/ScriptedProducer.h"
 
-/// A small language for tests of the module tree: open the library, a system, a device, a stream of the scripted
-/// producer, and say what is thrown.
+/// A small language for tests of the module tree: open the library, a system, a device, a stream of the
+/// scripted producer, and say what is thrown.
 namespace ZqTest {
 
 using namespace ZqApi;
@@ -37,7 +37,8 @@ using Device = std::unique_ptr<IZqDeviceReleasable, Releaser>;
 using Stream = std::unique_ptr<IZqDataStreamReleasable, Releaser>;
 using Buffer = std::unique_ptr<IZqStreamBufferReleasable, Releaser>;
 
-/// What an exception said, pointers replaced by PTR; every field empty or 0 when nothing of that kind was thrown.
+/// What an exception said, pointers replaced by PTR; every field empty or 0 when nothing of that kind was
+/// thrown.
 struct Thrown {
     std::string text;
     std::string source;
@@ -111,7 +112,9 @@ protected:
         device = OpenDevice(system, flags);
     }
 
-    Stream OpenStream(IZqAllocator* allocator = nullptr) { return Stream(device->CreateIZqDataStream(0, allocator)); }
+    Stream OpenStream(IZqAllocator* allocator = nullptr) {
+        return Stream(device->CreateIZqDataStream(0, allocator));
+    }
 
     void TearDown() override {
         device.reset();

@@ -21,9 +21,9 @@ TEST(PixelComponentInfo, Gr8HasItsValueAndBits) {
 
 TEST(PixelComponentInfo, ValueWithoutRecordIsRefused) {
     const Library library;
-    EXPECT_EQ(Catch<GenICam::InvalidArgumentException>(
-                  [] { GetIZqPixelComponentInfo(static_cast<EZqPixelComponent_t>(0x02010000)); })
-                  .text,
+    EXPECT_EQ(Catch<GenICam::InvalidArgumentException>([] {
+                  GetIZqPixelComponentInfo(static_cast<EZqPixelComponent_t>(0x02010000));
+              }).text,
               "EZqPixelComponet_t 33619968 is not supported.");
 }
 

@@ -29,7 +29,8 @@ protected:
 TEST_F(SystemModule, OpensInTheStatedOrder) {
     OfferInterfaces({});
     const System system = OpenSystem();
-    EXPECT_EQ(producer.Log({"GCInitLib", "TLOpen", "GCRegisterEvent", "TLUpdateInterfaceList", "TLGetNumInterfaces"}),
+    EXPECT_EQ(producer.Log(
+                  {"GCInitLib", "TLOpen", "GCRegisterEvent", "TLUpdateInterfaceList", "TLGetNumInterfaces"}),
               (Calls{"GCInitLib()", "TLOpen()", "GCRegisterEvent(TL1, 0)", "TLUpdateInterfaceList(TL1, 250)",
                      "TLGetNumInterfaces(TL1)"}));
     EXPECT_EQ(producer.Count("GCReadPort"), 0u);
@@ -71,13 +72,14 @@ TEST_F(SystemModule, FailingInterfaceQueriesAreReportedWithTheirCall) {
         bool dataQuery;
         const char* text;
     };
-    const Row rows[] = {{"TLUpdateInterfaceList", false, "-1011 = TLUpdateInterfaceList(PTR, PTR, 250)"},
-                        {"TLGetNumInterfaces", false, "-1011 = TLGetNumInterfaces(PTR, PTR)"},
-                        {"TLGetInterfaceID", false, "-1011 = TLGetInterfaceID(PTR, 0, PTR, PTR)"},
-                        {"TLGetInterfaceID", true, "-1011 = TLGetInterfaceID(PTR, 0, PTR, PTR)"},
-                        {"TLGetInterfaceInfo", false, "-1011 = TLGetInterfaceInfo(PTR, PTR, 2, PTR, PTR, PTR)"},
-                        {"TLGetInterfaceInfo", true, "-1011 = TLGetInterfaceInfo(PTR, PTR, 2, PTR, PTR, PTR)"},
-                        {"TLOpenInterface", false, "-1011 = TLOpenInterface(PTR, IF1, PTR)"}};
+    const Row rows[] = {
+        {"TLUpdateInterfaceList", false, "-1011 = TLUpdateInterfaceList(PTR, PTR, 250)"},
+        {"TLGetNumInterfaces", false, "-1011 = TLGetNumInterfaces(PTR, PTR)"},
+        {"TLGetInterfaceID", false, "-1011 = TLGetInterfaceID(PTR, 0, PTR, PTR)"},
+        {"TLGetInterfaceID", true, "-1011 = TLGetInterfaceID(PTR, 0, PTR, PTR)"},
+        {"TLGetInterfaceInfo", false, "-1011 = TLGetInterfaceInfo(PTR, PTR, 2, PTR, PTR, PTR)"},
+        {"TLGetInterfaceInfo", true, "-1011 = TLGetInterfaceInfo(PTR, PTR, 2, PTR, PTR, PTR)"},
+        {"TLOpenInterface", false, "-1011 = TLOpenInterface(PTR, IF1, PTR)"}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.function);
         {
@@ -153,7 +155,8 @@ TEST_F(SystemModule, StayingInterfaceKeepsItsObjectAndAGoneOneIsReleased) {
     ASSERT_EQ(system->GetInterfaceCount(), 2u);
     EXPECT_EQ(system->GetIZqInterface(0), staying);
     EXPECT_EQ(IdAt(system, 1), "IF3");
-    EXPECT_EQ(producer.Log({"TLOpenInterface", "IFClose"}), (Calls{"TLOpenInterface(TL1, IF3)", "IFClose(IF1)"}));
+    EXPECT_EQ(producer.Log({"TLOpenInterface", "IFClose"}),
+              (Calls{"TLOpenInterface(TL1, IF3)", "IFClose(IF1)"}));
 }
 
 TEST_F(SystemModule, UpdateWithoutChangeKeepsEverything) {
@@ -170,7 +173,8 @@ TEST_F(SystemModule, UpdateFailingMidwayReleasesWhatItDidNotReach) {
     OfferInterfaces({{"IF9", "U3V"}, {"IF1", "U3V"}, {"IF2", "GEV"}});
     producer.Answer("TLOpenInterface").With(GC_ERR_IO);
     producer.ClearLog();
-    EXPECT_EQ(CatchProducerError([&] { system->UpdateInterfaceList(); }).text, "-1010 = TLOpenInterface(PTR, IF9, PTR)");
+    EXPECT_EQ(CatchProducerError([&] { system->UpdateInterfaceList(); }).text,
+              "-1010 = TLOpenInterface(PTR, IF9, PTR)");
     EXPECT_EQ(system->GetInterfaceCount(), 0u);
     EXPECT_EQ(producer.Log("IFClose").size(), 2u);
 }
@@ -272,7 +276,9 @@ protected:
     SystemWithoutTLOpenInterface() : SystemModule("without_TLOpenInterface") {}
 };
 
-TEST_F(SystemWithoutTLOpenInterface, SkipsInterfacesSilently) { EXPECT_EQ(OpenSystem()->GetInterfaceCount(), 0u); }
+TEST_F(SystemWithoutTLOpenInterface, SkipsInterfacesSilently) {
+    EXPECT_EQ(OpenSystem()->GetInterfaceCount(), 0u);
+}
 
 class SystemWithoutTLOpen : public SystemModule {
 protected:
