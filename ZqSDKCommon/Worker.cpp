@@ -75,8 +75,10 @@ void* CWorker::GetStopRequestEvent() {
 
 void CWorker::Start() {
     Stop();
+    // The thread can't join itself to make room for its successor.
+    if (IsOwnThread())
+        return;
     const MutexLock control(m_ControlMutex);
-    // Called on the thread itself, which could not be joined.
     if (HasThread())
         return;
     m_StopRequest.ResetEvent();

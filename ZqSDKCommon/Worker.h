@@ -40,12 +40,12 @@ public:
     virtual void Stop();
 
     /// Stops the thread of an earlier start, then starts a new one. Throws nothing: when the system refuses
-    /// the thread, HasThread stays false.
+    /// the thread, HasThread stays false. On the thread itself it only requests the stop.
     void Start();
     /// Sets the stop-request event without waiting for the thread.
     void RequestStop() { m_StopRequest.SetEvent(); }
     /// From the start until the stop, also when the body ended by itself in between.
-    bool HasThread() const { return m_Thread.load() != 0; }
+    bool HasThread() const { return m_Thread.load() != 0 || IsOwnThread(); }
     /// True on the worker's thread.
     bool IsOwnThread() const { return pthread_equal(m_OwnThread.load(), pthread_self()) != 0; }
     /// True while the body runs.
