@@ -10,6 +10,7 @@ void BufferPool::Announce(std::shared_ptr<BufferModule> buffer) {
     List& idle = At(Place::Idle);
     idle.push_back(buffer.get());
     buffer->m_position = std::prev(idle.end());
+    Grow(Place::Idle, 1);
     buffer->m_pool = this;
     m_announced.push_back(std::move(buffer));
 }
@@ -22,19 +23,29 @@ std::shared_ptr<BufferModule> BufferPool::Revoke(BufferModule& buffer) {
     m_bases.erase(buffer.Base());
     buffer.m_pool = nullptr;
     At(buffer.m_place).erase(buffer.m_position);
+    Grow(buffer.m_place, -1);
     return revoked;
 }
 
-void BufferPool::Move(BufferModule& buffer, Place to) {
-    List& target = At(to);
-    target.splice(target.end(), At(buffer.m_place), buffer.m_position);
+void BufferPool::Grow(Place place, int by) noexcept {
+    std::atomic<size_t>& count = m_counts[static_cast<size_t>(place)];
+    // One writer at a time, under the engine's lock: no read-modify-write is needed.
+    count.store(count.load(std::memory_order_relaxed) + static_cast<size_t>(by), std::memory_order_relaxed);
+}
+
+void BufferPool::Splice(BufferModule& buffer, Place to, List::iterator before) {
+    Grow(buffer.m_place, -1);
+    Grow(to, 1);
+    At(to).splice(before, At(buffer.m_place), buffer.m_position);
     buffer.m_place = to;
 }
 
+void BufferPool::Move(BufferModule& buffer, Place to) {
+    Splice(buffer, to, At(to).end());
+}
+
 void BufferPool::MoveToFront(BufferModule& buffer, Place to) {
-    List& target = At(to);
-    target.splice(target.begin(), At(buffer.m_place), buffer.m_position);
-    buffer.m_place = to;
+    Splice(buffer, to, At(to).begin());
 }
 
 void BufferPool::MoveAll(Place from, Place to) {

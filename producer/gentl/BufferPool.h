@@ -3,6 +3,7 @@
 #include "producer/gentl/BufferModule.h"
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <list>
 #include <memory>
@@ -29,14 +30,19 @@ public:
     void MoveAll(Place from, Place to);
     /// The oldest buffer at a place, or null.
     [[nodiscard]] BufferModule* First(Place place) const;
-    [[nodiscard]] size_t Count(Place place) const { return At(place).size(); }
+    /// May be asked without the lock, as a hint.
+    [[nodiscard]] size_t Count(Place place) const noexcept { return m_counts[static_cast<size_t>(place)]; }
 
 private:
     using List = std::list<BufferModule*>;
     [[nodiscard]] List& At(Place place) { return m_places[static_cast<size_t>(place)]; }
     [[nodiscard]] const List& At(Place place) const { return m_places[static_cast<size_t>(place)]; }
 
+    void Splice(BufferModule& buffer, Place to, List::iterator before);
+    void Grow(Place place, int by) noexcept;
+
     std::array<List, 4> m_places;
+    std::array<std::atomic<size_t>, 4> m_counts{};
     std::vector<std::shared_ptr<BufferModule>> m_announced;
     std::set<const void*> m_bases;
 };

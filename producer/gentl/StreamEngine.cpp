@@ -1,5 +1,6 @@
 #include "producer/gentl/StreamEngine.h"
 
+#include "producer/gentl/Spin.h"
 #include "producer/sim/Failure.h"
 #include "producer/sim/Pattern.h"
 
@@ -253,6 +254,8 @@ void StreamEngine::KillWait(EventGate& gate) {
 }
 
 void StreamEngine::TakeFilled(EventGate& gate, void* buffer, size_t* size, uint64_t timeoutMs) {
+    if (m_free && timeoutMs > 0)
+        SpinUntil([this] { return m_pool.Count(Place::Output) > 0; });
     Lock lock(m_lock);
     // After a loss nothing is handed out any more, but the waits last as long as before.
     gate.Await(lock, timeoutMs, [this] { return !m_lost && m_pool.Count(Place::Output) > 0; });
@@ -285,6 +288,7 @@ void StreamEngine::Run() {
     FrameTicket ticket;
     Lock lock(m_lock);
     while (!m_quit) {
+        m_free.store(Flowing() && !ticket.plan.paced, std::memory_order_relaxed);
         if (!Flowing()) {
             m_wake.wait(lock, [this] { return m_quit || Flowing(); });
         } else if (ticket.revision != m_camera.Revision()) {
@@ -301,6 +305,9 @@ void StreamEngine::Run() {
 
 void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
     if (!MayTake()) {
+        lock.unlock();
+        SpinUntil([this] { return m_pool.Count(Place::Input) > 0; });
+        lock.lock();
         m_threadIdle = true;
         m_wake.wait(lock, [&] { return MayTake() || Disturbed(ticket); });
         m_threadIdle = false;

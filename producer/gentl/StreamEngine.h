@@ -4,6 +4,7 @@
 #include "producer/gentl/EventGate.h"
 #include "producer/sim/Camera.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -96,6 +97,7 @@ private:
     FrameInfo m_currentFrame;          // what is known of its frame while it is exposed
     bool m_writing = false;            // the thread writes into it, without the lock
     unsigned m_pauses = 0;             // callers that want no new buffer taken
+    std::atomic<bool> m_free{false};   // frames flow as fast as they are fetched
     bool m_threadIdle = false;
     bool m_running = false;
     bool m_stopOwed = false;
