@@ -104,11 +104,11 @@ void CZqDataStream::ThrowThreadError(CZqEventNewBuffer& thread) {
     // Another reader may have taken the error meanwhile.
     if (WaitForSingleObject(&thread.GetErrorEvent(), 0) != WAIT_OBJECT_0)
         return;
-    const GC_ERROR error = thread.TakeLastError();
+    const CZqEvent::LastError error = thread.TakeLastError();
     // The failing call was made on another thread, so the producer's text for it is seldom to be had here.
-    throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, error, "EventGetData",
-                        "%d = EventGetData(0x%p 0x%p, %I64u, %I64u)", error, thread.GetEventHandle(),
-                        thread.GetReceiveBuffer(), thread.GetReceiveBufferSize(), thread.GetReceiveTimeout());
+    throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, error.code, "EventGetData",
+                        "%d = EventGetData(0x%p 0x%p, %I64u, %I64u)", error.code, error.hEvent, error.pBuffer,
+                        thread.GetReceiveBufferSize(), thread.GetReceiveTimeout());
 }
 
 void CZqDataStream::AttachChunks(CZqStreamBuffer& buffer) {

@@ -22,7 +22,7 @@ CZqEvent::CZqEvent(CZqGenTLLib* pGenTL, EVENTSRC_HANDLE hEventSrc, EVENT_TYPE ev
       m_ErrorEvent(nullptr, true, false, nullptr) {
     ZQ_ASSERT(UNIT, m_pCZqGenTL != NULL);
     ZQ_ASSERT(UNIT, hEventSrc != NULL);
-    RegisterEvent();
+    ConvertBadAlloc(UNIT, __LINE__, [this] { RegisterEvent(); });
     m_ReceiveBufferSize = QueryReceiveBufferSize();
 }
 
@@ -106,7 +106,7 @@ void CZqEvent::UnregisterEvent() {
                             "%d = GCUnregisterEvent(0x%p, %d)", result, m_hEventSrc, m_EventType);
 }
 
-GC_ERROR CZqEvent::TakeLastError() {
+CZqEvent::LastError CZqEvent::TakeLastError() {
     const GenApi::AutoLock lock(m_ErrorLock);
     m_ErrorEvent.ResetEvent();
     return m_LastError;
@@ -114,7 +114,8 @@ GC_ERROR CZqEvent::TakeLastError() {
 
 void CZqEvent::RecordError(GC_ERROR result) {
     const GenApi::AutoLock lock(m_ErrorLock);
-    m_LastError = result;
+    // What the call was made with: who reports it may do so while the event is being stopped.
+    m_LastError = {result, m_hEvent, m_ReceiveBuffer.get()};
     m_ErrorEvent.SetEvent();
 }
 

@@ -29,9 +29,16 @@ public:
     void Stop() override;
     void UnregisterEvent();
 
-    /// Set whenever waiting failed; manual reset. Taking the last error resets it.
+    /// A failed EventGetData: its result, and what it was called with.
+    struct LastError {
+        GC_ERROR code = GC_ERR_SUCCESS;
+        EVENT_HANDLE hEvent = nullptr;
+        void* pBuffer = nullptr;
+    };
+
+    /// Set whenever waiting failed; manual reset. Taking the last error resets it. Any thread.
     CEventObject& GetErrorEvent() { return m_ErrorEvent; }
-    GC_ERROR TakeLastError();
+    LastError TakeLastError();
 
     EVENT_HANDLE GetEventHandle() const { return m_hEvent; }
     void* GetReceiveBuffer() const { return m_ReceiveBuffer.get(); }
@@ -47,7 +54,7 @@ protected:
 private:
     void RegisterEvent();
     size_t QueryReceiveBufferSize() const;
-    void Deliver(size_t size) noexcept(false);
+    void Deliver(size_t size);
     void RecordError(GC_ERROR result);
 
     const EVENTSRC_HANDLE m_hEventSrc;
@@ -57,7 +64,7 @@ private:
     const uint64_t m_ReceiveTimeoutMs = 500;
     std::unique_ptr<uint8_t[]> m_ReceiveBuffer;
     GenApi::CLock m_ErrorLock;
-    GC_ERROR m_LastError = GC_ERR_SUCCESS;
+    LastError m_LastError;
     CEventObject m_ErrorEvent;
 };
 

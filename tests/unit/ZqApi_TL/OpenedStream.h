@@ -1,0 +1,80 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <thread>
+
+#include "ZqApi_TL/InsideInterfaces.h"
+#include "tests/unit/ZqApi_TL/LoadedProducer.h"
+#include "tests/unit/ZqApi_TL/ModuleTree.h"
+
+namespace ZqTest {
+
+constexpr auto ReturnNull = ZqTimeoutHandling_ReturnNull;
+constexpr auto ThrowException = ZqTimeoutHandling_ThrowException;
+
+/// A system, its first device and that device's first stream, not started.
+class OpenedStream : public OpenedDevice {
+protected:
+    explicit OpenedStream(const std::string& variant = "full") : OpenedDevice(variant) {}
+
+    void SetUp() override {
+        OpenedDevice::SetUp();
+        stream = OpenStream();
+    }
+
+    void TearDown() override {
+        stream.reset();
+        OpenedDevice::TearDown();
+    }
+
+    void Start(uint64_t count = GENTL_INFINITE) { stream->StartAcquisition(count, ACQ_START_FLAGS_DEFAULT); }
+    void Stop() { stream->StopAcquisition(ACQ_STOP_FLAGS_DEFAULT); }
+
+    Buffer Retrieve(uint32_t timeoutMs = 10000, EZqTimeoutHandling_t handling = ReturnNull) {
+        return Buffer(stream->RetrieveBuffer(timeoutMs, handling));
+    }
+    Buffer RetrieveNewFrame(const Frame& frame = Frame("pixels")) {
+        EXPECT_TRUE(producer.PushFrame("DS1", frame));
+        return Retrieve();
+    }
+
+    /// Pushes frames and waits until all of them stand in the stream's own queue.
+    void PushUnread(size_t frames) {
+        const uint64_t before = Unread();
+        for (size_t frame = 0; frame < frames; ++frame)
+            EXPECT_TRUE(producer.PushFrame("DS1", Frame("pixels")));
+        EXPECT_TRUE(Eventually([&] { return Unread() == before + frames; }));
+    }
+
+    /// True once the condition holds, false when it does not within ten seconds.
+    template <class Condition>
+    static bool Eventually(Condition condition) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > deadline)
+                return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
+    IZqDataStreamInside* Inside() { return dynamic_cast<IZqDataStreamInside*>(stream.get()); }
+    const IZqDataStreamInfo* Info() { return stream->GetIZqDataStreamInfo(); }
+
+    Stream stream;
+
+private:
+    /// What the producer has delivered and the stream does not yet count as delivered.
+    uint64_t Unread() {
+        const auto query = producer.Resolve<PDSGetInfo>("DSGetInfo");
+        uint64_t delivered = 0;
+        size_t size = sizeof delivered;
+        INFO_DATATYPE type = 0;
+        query(Inside()->GetDataStreamHandle(), STREAM_INFO_NUM_DELIVERED, &type, &delivered, &size);
+        return delivered - Info()->GetNumDelivered();
+    }
+};
+
+} // namespace ZqTest
