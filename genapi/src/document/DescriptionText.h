@@ -1,0 +1,20 @@
+#pragma once
+
+#include <Base/GCTypes.h>
+
+#include <string>
+#include <string_view>
+
+namespace GENAPI_NAMESPACE::inside {
+
+/// No description is larger than this, packed or not.
+constexpr size_t kMaxDescriptionSize = size_t{64} * 1024 * 1024;
+
+/// The XML text in what a device handed out: unzipped when the bytes are a zip archive, whatever they were
+/// announced as. RuntimeException when there is none or when it is larger than kMaxDescriptionSize.
+std::string UnpackDescription(std::string_view bytes);
+
+/// Cuts away what stands around the document and repairs text that is not UTF-8.
+std::string CleanDescription(std::string text);
+
+} // namespace GENAPI_NAMESPACE::inside

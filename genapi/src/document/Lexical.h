@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <Base/GCTypes.h>
+
+namespace GENAPI_NAMESPACE::inside {
+
+/// A number that knows whether it is whole.
+struct Number {
+    bool isInteger = true;
+    int64_t integer = 0;
+    double real = 0;
+
+    static Number Of(int64_t value) { return {true, value, static_cast<double>(value)}; }
+    static Number Of(double value) { return {false, 0, value}; }
+    double AsDouble() const { return isInteger ? static_cast<double>(integer) : real; }
+    /// Towards zero; what doesn't fit sticks to the ends of the range, NaN is 0.
+    int64_t AsInteger() const;
+};
+
+/// Towards zero; what doesn't fit sticks to the ends of the range, NaN is 0.
+int64_t Truncate(double value);
+/// To the nearest, halves away from zero; saturating like Truncate.
+int64_t Round(double value);
+
+/// Without the white space at both ends.
+std::string_view Trim(std::string_view text);
+bool EqualIgnoringCase(std::string_view left, std::string_view right);
+
+/// "0x" hexadecimal of up to 64 bits, or decimal with an optional sign; a leading zero is no octal mark. The
+/// whole text must be the number.
+std::optional<int64_t> ParseInteger(std::string_view text);
+/// Decimal point and exponent whatever the locale; INF, -INF and NaN.
+std::optional<double> ParseFloat(std::string_view text);
+/// A whole number where the text is one, else a float.
+std::optional<Number> ParseNumber(std::string_view text);
+/// Hexadecimal digits with or without 0x.
+std::optional<uint64_t> ParseHexDigits(std::string_view text);
+
+/// The shortest text that reads back as the same value.
+std::string ShortestText(double value);
+
+} // namespace GENAPI_NAMESPACE::inside

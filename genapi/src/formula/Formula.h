@@ -1,0 +1,116 @@
+#pragma once
+
+#include "genapi/src/document/Lexical.h"
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace GENAPI_NAMESPACE::inside {
+
+/// A formula that can't be compiled, or has no value now.
+class FormulaError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+enum class Op : uint8_t {
+    PushInteger,
+    PushReal,
+    Load,      ///< argument: slot of the variable
+    Undefined, ///< argument: which of the undefined names
+    Jump,      ///< argument: target
+    JumpIfZero,
+    JumpIfNotZero,
+    Truth,
+    Not,
+    Invert,
+    Negate,
+    Or,
+    Xor,
+    And,
+    Equal,
+    NotEqual,
+    Less,
+    LessEqual,
+    Greater,
+    GreaterEqual,
+    ShiftLeft,
+    ShiftRight,
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    Modulo,
+    Power,
+    Function ///< argument: the function; count: its operands
+};
+
+enum class Function : uint8_t {
+    Sgn,
+    Neg,
+    Atan,
+    Cos,
+    Sin,
+    Tan,
+    Abs,
+    Exp,
+    Ln,
+    Lg,
+    Sqrt,
+    Trunc,
+    Floor,
+    Ceil,
+    Round,
+    Asin,
+    Acos
+};
+
+struct Instruction {
+    Op op;
+    uint8_t count = 0;
+    uint32_t argument = 0;
+    union {
+        int64_t integer = 0;
+        double real;
+    };
+};
+
+/// A compiled formula. Immutable; any thread may evaluate it.
+struct Formula {
+    std::string text;
+    std::vector<Instruction> code;
+    std::vector<std::string>
+        undefined; ///< names that nobody declares: an error only where evaluation meets one
+    size_t stackSize = 0;
+    bool integer = false; ///< everything is int64, as IntSwissKnife and IntConverter have it
+};
+
+/// What a name in a formula stands for.
+struct Symbol {
+    enum class Kind : uint8_t { Undefined, Variable, Constant, Expression } kind = Kind::Undefined;
+    uint32_t slot = 0;           ///< of a variable
+    Number constant;             ///< of a constant
+    std::string_view expression; ///< text of a sub-formula
+};
+
+using SymbolTable = std::function<Symbol(std::string_view name)>;
+
+/// Compiles `text`. FormulaError says what is wrong and where.
+Formula CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols);
+
+/// Gives the values of variables while a formula is evaluated.
+class VariableValues {
+public:
+    virtual Number Value(uint32_t slot) = 0;
+
+protected:
+    ~VariableValues() = default;
+};
+
+/// FormulaError says why there is no value; what `values` throws passes.
+Number EvaluateFormula(const Formula& formula, VariableValues& values);
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,282 @@
+#include "genapi/src/formula/FormulaLexer.h"
+
+#include <algorithm>
+
+namespace GENAPI_NAMESPACE::inside {
+
+namespace {
+
+// What a device may make us spend: real formulas stay below a tenth of each.
+constexpr size_t kMaxTextLength = 64 * 1024;
+constexpr size_t kMaxInstructions = 64 * 1024;
+constexpr size_t kMaxNesting = 256;
+constexpr size_t kMaxStack = 1024;
+
+struct BinaryOperator {
+    std::string_view symbol;
+    int precedence;
+    Op op;
+};
+
+// The order of the language, loosest first; && and || are compiled to jumps and have no instruction of their
+// own.
+constexpr BinaryOperator kOperators[] = {
+    {"||", 2, Op::Truth},        {"&&", 3, Op::Truth},     {"|", 4, Op::Or},          {"^", 5, Op::Xor},
+    {"&", 6, Op::And},           {"=", 7, Op::Equal},      {"==", 7, Op::Equal},      {"<>", 7, Op::NotEqual},
+    {"!=", 7, Op::NotEqual},     {"<", 8, Op::Less},       {"<=", 8, Op::LessEqual},  {">", 8, Op::Greater},
+    {">=", 8, Op::GreaterEqual}, {"<<", 9, Op::ShiftLeft}, {">>", 9, Op::ShiftRight}, {"+", 10, Op::Add},
+    {"-", 10, Op::Subtract},     {"*", 11, Op::Multiply},  {"/", 11, Op::Divide},     {"%", 11, Op::Modulo},
+};
+
+struct FunctionName {
+    std::string_view name;
+    Function function;
+    uint8_t maxOperands;
+};
+
+constexpr FunctionName kFunctions[] = {
+    {"SGN", Function::Sgn, 1},     {"NEG", Function::Neg, 1},   {"ATAN", Function::Atan, 1},
+    {"COS", Function::Cos, 1},     {"SIN", Function::Sin, 1},   {"TAN", Function::Tan, 1},
+    {"ABS", Function::Abs, 1},     {"EXP", Function::Exp, 1},   {"LN", Function::Ln, 1},
+    {"LG", Function::Lg, 1},       {"SQRT", Function::Sqrt, 1}, {"TRUNC", Function::Trunc, 1},
+    {"FLOOR", Function::Floor, 1}, {"CEIL", Function::Ceil, 1}, {"ROUND", Function::Round, 2},
+    {"ASIN", Function::Asin, 1},   {"ACOS", Function::Acos, 1},
+};
+
+const FunctionName* FindFunction(std::string_view name) {
+    const auto* const found =
+        std::find_if(std::begin(kFunctions), std::end(kFunctions),
+                     [name](const FunctionName& f) { return EqualIgnoringCase(f.name, name); });
+    return found == std::end(kFunctions) ? nullptr : found;
+}
+
+class Compiler {
+public:
+    Compiler(Formula& formula, const SymbolTable& symbols) : m_formula(formula), m_symbols(symbols) {}
+
+    void CompileText(std::string_view text) {
+        if (text.size() > kMaxTextLength)
+            throw FormulaError("longer than " + std::to_string(kMaxTextLength) + " characters");
+        FormulaLexer lexer(text);
+        FormulaLexer* const outer = m_lexer;
+        m_lexer = &lexer;
+        Ternary();
+        if (lexer.token != Token::End)
+            Fail("unexpected text");
+        m_lexer = outer;
+    }
+
+private:
+    class Nesting {
+    public:
+        explicit Nesting(Compiler& compiler) : m_compiler(compiler) {
+            if (++m_compiler.m_nesting > kMaxNesting)
+                throw FormulaError("nested deeper than " + std::to_string(kMaxNesting));
+        }
+        ~Nesting() { --m_compiler.m_nesting; }
+        Nesting(const Nesting&) = delete;
+        Nesting& operator=(const Nesting&) = delete;
+
+    private:
+        Compiler& m_compiler;
+    };
+
+    [[noreturn]] void Fail(const char* what) const {
+        throw FormulaError(std::string(what) + " at position " + std::to_string(m_lexer->Position()));
+    }
+
+    size_t Emit(Instruction instruction, int stackChange) {
+        if (m_formula.code.size() >= kMaxInstructions)
+            throw FormulaError("compiles to more than " + std::to_string(kMaxInstructions) + " steps");
+        m_formula.code.push_back(instruction);
+        m_depth = static_cast<size_t>(static_cast<int>(m_depth) + stackChange);
+        m_formula.stackSize = std::max(m_formula.stackSize, m_depth);
+        if (m_depth > kMaxStack)
+            throw FormulaError("needs more than " + std::to_string(kMaxStack) + " operands");
+        return m_formula.code.size() - 1;
+    }
+    size_t Emit(Op op, int stackChange) { return Emit(Instruction{op, 0, 0, {}}, stackChange); }
+    void LandHere(size_t jump) {
+        m_formula.code[jump].argument = static_cast<uint32_t>(m_formula.code.size());
+    }
+    void Push(Number value) {
+        Instruction push{Op::PushInteger, 0, 0, {}};
+        if (m_formula.integer || value.isInteger) {
+            push.integer = value.AsInteger();
+        } else {
+            push.op = Op::PushReal;
+            push.real = value.real;
+        }
+        Emit(push, 1);
+    }
+
+    // A loop over the else branches: long chains of conditions are common and must not nest.
+    void Ternary() {
+        const Nesting nesting(*this);
+        std::vector<size_t> ends;
+        for (;;) {
+            Binary(2);
+            if (!m_lexer->Take("?"))
+                break;
+            const size_t toElse = Emit(Op::JumpIfZero, -1);
+            Ternary();
+            if (!m_lexer->Take(":"))
+                Fail("':' expected");
+            ends.push_back(Emit(Op::Jump, -1));
+            LandHere(toElse);
+        }
+        for (const size_t end : ends)
+            LandHere(end);
+    }
+
+    void Binary(int loosest) {
+        Power();
+        for (const BinaryOperator* op = CurrentOperator(loosest); op; op = CurrentOperator(loosest)) {
+            m_lexer->Next();
+            if (op->op == Op::Truth) {
+                Logical(*op);
+            } else {
+                Binary(op->precedence + 1);
+                Emit(op->op, -1);
+            }
+        }
+    }
+
+    const BinaryOperator* CurrentOperator(int loosest) const {
+        if (m_lexer->token != Token::Symbol)
+            return nullptr;
+        for (const BinaryOperator& op : kOperators)
+            if (op.symbol == m_lexer->text)
+                return op.precedence >= loosest ? &op : nullptr;
+        return nullptr;
+    }
+
+    void Logical(const BinaryOperator& op) {
+        const bool isOr = op.symbol == "||";
+        const size_t decided = Emit(isOr ? Op::JumpIfNotZero : Op::JumpIfZero, -1);
+        Binary(op.precedence + 1);
+        Emit(Op::Truth, 0);
+        const size_t end = Emit(Op::Jump, -1);
+        LandHere(decided);
+        Push(Number::Of(int64_t{isOr ? 1 : 0}));
+        LandHere(end);
+    }
+
+    void Power() {
+        const Nesting nesting(*this);
+        Unary();
+        if (m_lexer->Take("**")) {
+            Power();
+            Emit(Op::Power, -1);
+        }
+    }
+
+    void Unary() {
+        const Nesting nesting(*this);
+        const bool plus = m_lexer->Take("+");
+        if (plus) {
+            Unary();
+        } else if (m_lexer->Take("-")) {
+            Unary();
+            Emit(Op::Negate, 0);
+        } else if (m_lexer->Take("~")) {
+            Unary();
+            Emit(Op::Invert, 0);
+        } else if (m_lexer->Take("!")) {
+            Unary();
+            Emit(Op::Not, 0);
+        } else {
+            Primary();
+        }
+    }
+
+    void Primary() {
+        if (m_lexer->token == Token::Number) {
+            Push(m_lexer->number);
+            m_lexer->Next();
+        } else if (m_lexer->token == Token::Name) {
+            Name();
+        } else if (m_lexer->Take("(")) {
+            Ternary();
+            if (!m_lexer->Take(")"))
+                Fail("')' expected");
+        } else {
+            Fail("operand expected");
+        }
+    }
+
+    // Declared names come before functions and constants: real descriptions have variables called EXP.
+    void Name() {
+        const std::string_view name = m_lexer->text;
+        const Symbol symbol = m_symbols(name);
+        if (symbol.kind == Symbol::Kind::Undefined && m_lexer->NextIsParenthesis()) {
+            if (const FunctionName* function = FindFunction(name)) {
+                Call(*function);
+                return;
+            }
+        }
+        m_lexer->Next();
+        if (symbol.kind == Symbol::Kind::Undefined && (name == "PI" || name == "E"))
+            Push(Number::Of(name == "PI" ? 3.14159265358979323846 : 2.71828182845904523536));
+        else
+            Load(name, symbol);
+    }
+
+    void Load(std::string_view name, const Symbol& symbol) {
+        switch (symbol.kind) {
+        case Symbol::Kind::Variable:
+            Emit(Instruction{Op::Load, 0, symbol.slot, {}}, 1);
+            break;
+        case Symbol::Kind::Constant:
+            Push(symbol.constant);
+            break;
+        case Symbol::Kind::Expression:
+            Expression(name, symbol.expression);
+            break;
+        case Symbol::Kind::Undefined:
+            m_formula.undefined.emplace_back(name);
+            Emit(Instruction{Op::Undefined, 0, static_cast<uint32_t>(m_formula.undefined.size() - 1), {}}, 1);
+            break;
+        }
+    }
+
+    void Expression(std::string_view name, std::string_view text) {
+        if (std::find(m_expressions.begin(), m_expressions.end(), name) != m_expressions.end())
+            throw FormulaError("expression '" + std::string(name) + "' refers to itself");
+        m_expressions.emplace_back(name);
+        CompileText(text);
+        m_expressions.pop_back();
+    }
+
+    void Call(const FunctionName& function) {
+        m_lexer->Next();
+        m_lexer->Next();
+        uint8_t count = 0;
+        do {
+            Ternary();
+            ++count;
+        } while (count < function.maxOperands && m_lexer->Take(","));
+        if (!m_lexer->Take(")"))
+            Fail("')' expected");
+        Emit(Instruction{Op::Function, count, static_cast<uint32_t>(function.function), {}}, 1 - count);
+    }
+
+    Formula& m_formula;
+    const SymbolTable& m_symbols;
+    FormulaLexer* m_lexer = nullptr;
+    std::vector<std::string> m_expressions;
+    size_t m_nesting = 0;
+    size_t m_depth = 0;
+};
+
+} // namespace
+
+Formula CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols) {
+    Formula formula;
+    formula.text = std::string(text.substr(0, 200));
+    formula.integer = integer;
+    Compiler(formula, symbols).CompileText(text);
+    return formula;
+}
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,42 @@
+#include "genapi/src/map/Engine.h"
+
+#include <GenApi/IPort.h>
+
+namespace GENAPI_NAMESPACE::inside {
+
+Engine::Engine(std::shared_ptr<const Description> description)
+    : m_description(std::move(description)), m_states(m_description->nodes.size()),
+      m_places(m_description->registers.size()), m_tableValues(m_description->tableValues),
+      m_texts(m_description->texts), m_ports(m_description->ports.size()),
+      m_pollElapsed(m_description->polled.size(), 0) {
+    for (NodeIndex i = 0; i < m_states.size(); ++i) {
+        const SourcePart* source = Node(i).source.get();
+        if (!source || source->form != SourcePart::Form::Own)
+            continue;
+        NodeState& state = m_states[i];
+        state.ownsValue = true;
+        state.valueKept = true;
+        if (Node(i).kind == ValueKind::Text)
+            m_texts[source->textSlot] = source->initialText;
+        else if (Node(i).kind == ValueKind::Float)
+            state.real = source->initial.AsDouble();
+        else
+            state.integer = source->initial.AsInteger();
+    }
+}
+
+void Engine::Connect(NodeIndex port, IPort* implementation) {
+    Port(port).implementation = implementation;
+    Changed(port);
+}
+
+void Engine::AttachEvent(NodeIndex port, const uint8_t* data, size_t size) {
+    PortState& state = Port(port);
+    if (size > 0) {
+        state.bytes.assign(data, data + size);
+        state.attached = true;
+    }
+    Changed(port);
+}
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,197 @@
+#pragma once
+
+#include "genapi/src/map/NodeState.h"
+
+#include <GenApi/IBase.h>
+
+#include <map>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+
+namespace GENAPI_NAMESPACE::inside {
+
+/// The state of one node map and all that can be done with a node. Knows neither locks nor callbacks: whoever
+/// calls holds the map's lock, and collects the changed nodes afterwards.
+class Engine {
+public:
+    explicit Engine(std::shared_ptr<const Description> description);
+
+    const Description& GetDescription() const { return *m_description; }
+    const NodeDescription& Node(NodeIndex node) const { return m_description->nodes[node]; }
+    NodeState& State(NodeIndex node) { return m_states[node]; }
+    std::string Name(NodeIndex node) const { return std::string(Node(node).name); }
+
+    // Access modes
+    EAccessMode Mode(NodeIndex node);
+    bool IsReadableNode(NodeIndex node);
+    /// AccessException with the reason.
+    void RequireReadable(NodeIndex node);
+    /// AccessException with the reason; passes when only the connected port forbids it, which then says so
+    /// itself.
+    void RequireWritable(NodeIndex node);
+    void ImposeMode(NodeIndex node, EAccessMode mode);
+
+    // Values. Reading does not check access.
+    int64_t ReadInteger(NodeIndex node);
+    double ReadFloat(NodeIndex node);
+    Number ReadNumber(NodeIndex node);
+    std::string ReadText(NodeIndex node);
+    std::string ReadBytes(NodeIndex node);
+    bool IsKept(NodeIndex node);
+    void WriteInteger(NodeIndex node, int64_t value, bool verify);
+    void WriteFloat(NodeIndex node, double value, bool verify);
+    void WriteNumber(NodeIndex node, Number value, bool verify);
+    void WriteText(NodeIndex node, const std::string& value, bool verify);
+    void WriteBytes(NodeIndex node, const std::string& value);
+    Place Locate(NodeIndex node);
+    int64_t MaxTextLength(NodeIndex node);
+
+    // Enumerations and commands
+    /// The entry with that value: the first available one where several share it, else the first; kNoNode
+    /// when none.
+    NodeIndex EntryOf(NodeIndex enumeration, int64_t value);
+    NodeIndex EntryNamed(NodeIndex enumeration, std::string_view symbolic) const;
+    bool IsEntryAvailable(NodeIndex entry);
+    /// AccessException with the reason when the entry can't be chosen now.
+    void RequireEntry(NodeIndex enumeration, NodeIndex entry);
+    void Execute(NodeIndex command, bool verify);
+    bool IsDone(NodeIndex command);
+
+    // Limits
+    Number Min(NodeIndex node);
+    Number Max(NodeIndex node);
+    int64_t Increment(NodeIndex node);
+    std::optional<double> FloatIncrement(NodeIndex node);
+    const std::vector<int64_t>& ValidValues(NodeIndex node) const;
+    /// OutOfRangeException when the value lies outside the limits.
+    void CheckRange(NodeIndex node, int64_t value);
+    /// Also against increment and list.
+    void CheckInteger(NodeIndex node, int64_t value);
+    void CheckFloat(NodeIndex node, double value);
+    void ImposeMin(NodeIndex node, Number value);
+    void ImposeMax(NodeIndex node, Number value);
+
+    // Ports
+    PortState& Port(NodeIndex port) { return m_ports[Node(port).port->slot]; }
+    void Connect(NodeIndex port, IPort* implementation);
+    void AttachEvent(NodeIndex port, const uint8_t* data, size_t size);
+    void PortRead(NodeIndex port, void* buffer, Place place);
+    void PortWrite(NodeIndex port, const void* buffer, Place place);
+    /// Somebody has written past the registers.
+    void PortWritten(NodeIndex port, Place place);
+
+    // Invalidation
+    /// The node has been changed from outside: what depends on it is stale.
+    void Changed(NodeIndex node);
+    /// Drops the node, what it reads and what depends on either.
+    void Invalidate(NodeIndex node);
+    void InvalidateAll();
+    void Poll(int64_t elapsed);
+    /// The nodes with callbacks that have changed since the last call, each once.
+    std::vector<NodeIndex> TakeChanged();
+    void SetHasCallbacks(NodeIndex node, bool has) { m_states[node].hasCallbacks = has; }
+
+    /// While it lives, reads go past the cache (or, with false, use it again).
+    class CacheUse {
+    public:
+        CacheUse(Engine& engine, bool ignore) : m_engine(engine), m_before(engine.m_ignoreCache) {
+            engine.m_ignoreCache = ignore;
+        }
+        ~CacheUse() { m_engine.m_ignoreCache = m_before; }
+        CacheUse(const CacheUse&) = delete;
+        CacheUse& operator=(const CacheUse&) = delete;
+
+    private:
+        Engine& m_engine;
+        bool m_before;
+    };
+
+    /// The nearest table entry, node or nothing for the current index; null when the index has no entry.
+    const TableEntry* CurrentEntry(const SourcePart& source);
+
+private:
+    struct Modes {
+        EAccessMode real = RW;
+        EAccessMode overPort = RW; ///< with a connected port that can be written
+    };
+    enum class Truth : uint8_t { False, True, Unknown };
+    enum class Side : uint8_t { Min, Max };
+    class Step;
+    class Level;
+    class Variables;
+
+    Modes ModesOf(NodeIndex node);
+    Modes ComputeModes(NodeIndex node);
+    Modes BaseModes(NodeIndex node);
+    Modes RegisterModes(NodeIndex node);
+    Modes SourceModes(NodeIndex node);
+    Modes FormulaModes(NodeIndex node);
+    Modes PortModes(NodeIndex port);
+    bool IsInsideEvent(NodeIndex node);
+    Truth Ask(NodeIndex predicate);
+    std::string WhyNot(NodeIndex node, bool write, int depth);
+    std::string WhyBaseNot(NodeIndex node, bool write, int depth);
+
+    int64_t ComputeInteger(NodeIndex node);
+    double ComputeFloat(NodeIndex node);
+    Number ReadSource(NodeIndex node);
+    int64_t ReadBoolean(NodeIndex node);
+    double ReadNumericValue(NodeIndex enumeration);
+    Number Evaluate(NodeIndex node, bool writing, const Number* converted);
+    Number VariableValue(const VariableReference& variable);
+    [[noreturn]] void NoNumber(NodeIndex node) const;
+    void RequireBuilt(NodeIndex node) const;
+
+    int64_t LengthOf(NodeIndex node);
+    void ReadRegister(NodeIndex node, Place place, uint8_t* bytes);
+    bool IsKeptHere(NodeIndex node, Place* place);
+    int64_t ReadIntegerRegister(NodeIndex node);
+    double ReadFloatRegister(NodeIndex node);
+    std::string ReadRegisterBytes(NodeIndex node);
+    void KeepRegister(NodeIndex node, Place place);
+    void WriteIntegerRegister(NodeIndex node, int64_t value);
+    void WriteFloatRegister(NodeIndex node, double value);
+    uint64_t CurrentBits(NodeIndex node, Place place);
+    bool WriteRegister(NodeIndex node, Place place, const uint8_t* bytes);
+    void InvalidateOverlaps(NodeIndex port, NodeIndex writer, Place place);
+
+    void WriteSource(NodeIndex node, Number value, bool verify);
+    void StoreOwn(NodeIndex node, Number value);
+    void WriteConverted(NodeIndex node, Number value, bool verify);
+    void WriteEnumeration(NodeIndex node, int64_t value, bool verify);
+    NodeIndex NearestEntry(NodeIndex enumeration, double value);
+    void ReportErrors(NodeIndex node);
+
+    Number Limit(NodeIndex node, Side side);
+    Number OwnLimit(NodeIndex node, Side side);
+    Number SourceLimit(NodeIndex node, Side side);
+    Number ConverterLimit(NodeIndex node, Side side);
+    std::optional<double> ConvertedLimit(NodeIndex node, Number limit);
+    std::optional<Number> GivenNumber(const NumberSource& source);
+
+    void Drop(NodeIndex node);
+    void MarkChanged(NodeIndex node);
+    void Spread(const std::vector<NodeIndex>& from);
+    bool IsPollingDue(size_t which, int64_t elapsed);
+
+    std::shared_ptr<const Description> m_description;
+    std::vector<NodeState> m_states;
+    std::vector<Place> m_places;                        ///< by register slot
+    std::unordered_map<NodeIndex, std::string> m_bytes; ///< kept values of texts and raw registers
+    std::vector<Number> m_tableValues;
+    std::vector<std::string> m_texts;
+    std::vector<PortState> m_ports;
+    std::unordered_map<NodeIndex, ImposedLimits> m_imposed;
+    std::map<std::tuple<NodeIndex, int64_t, int64_t>, uint64_t>
+        m_written; ///< to registers that can't be read
+    std::vector<int64_t> m_pollElapsed;
+    std::vector<NodeIndex> m_changed;
+    std::vector<NodeIndex> m_open; ///< scratch of Spread
+    uint32_t m_visit = 0;
+    int m_depth = 0;
+    bool m_ignoreCache = false;
+    bool m_metCycle = false;
+};
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "genapi/src/description/Description.h"
+
+namespace GENAPI_NAMESPACE {
+struct IPort;
+}
+
+namespace GENAPI_NAMESPACE::inside {
+
+/// What one node map knows of one node. Small, because every stream buffer may have a node map of its own.
+struct NodeState {
+    union {
+        int64_t integer = 0;
+        double real;
+    };
+    uint32_t visit = 0; ///< of the last invalidation that passed here
+    uint8_t mode = 0;
+    uint8_t modeOverPort = 0; ///< what the mode would be if the port could be written
+    uint8_t imposedMode = RW;
+    uint8_t imposedVisibility = Beginner;
+    bool valueKept : 1;
+    bool modeKept : 1;
+    bool ownsValue : 1; ///< the value lives here and nowhere else
+    bool evaluating : 1;
+    bool askingMode : 1;
+    bool hasCallbacks : 1;
+    bool changed : 1; ///< waits for its callbacks
+    bool active : 1;  ///< a command that has been executed and not been seen done
+
+    NodeState()
+        : valueKept(false), modeKept(false), ownsValue(false), evaluating(false), askingMode(false),
+          hasCallbacks(false), changed(false), active(false) {}
+};
+
+/// Where a register's kept value was read.
+struct Place {
+    int64_t address = 0;
+    int64_t length = 0;
+};
+
+struct PortState {
+    IPort* implementation = nullptr;
+    bool attached = false; ///< the bytes below are the register space
+    std::vector<uint8_t> bytes;
+};
+
+struct ImposedLimits {
+    std::optional<Number> min;
+    std::optional<Number> max;
+};
+
+} // namespace GENAPI_NAMESPACE::inside
