@@ -104,6 +104,8 @@ TEST_F(Loader, EmptyEntryIsTheRootAndSlashesAreKept) {
     ExpectNotFound(fromRoot);
     Search(":" + m_Folder);
     EXPECT_EQ(LoadedPath(fromRoot.c_str()), producer.File().c_str());
+    Search(m_Folder + ":");
+    EXPECT_EQ(LoadedPath(fromRoot.c_str()), producer.File().c_str());
     Search(producer.Folder() + "/");
     EXPECT_EQ(LoadedPath("libzqgentl.cti"), (producer.Folder() + "//libzqgentl.cti").c_str());
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -107,29 +108,36 @@ TEST(EventObject, ClosedIgnoresSetAndReset) {
     EXPECT_EQ(WaitForSingleObject(&signalled, 0), WAIT_OBJECT_0);
 }
 
-// Four threads poll; each signal is set after the last one was taken, so that none merges with another.
+// Four threads poll. Each signal is set after the last one was taken and every thread has looked again, so
+// that none merges with another and no second taker stays unnoticed.
 TEST(EventObject, EverySignalIsTakenOnce) {
     constexpr int signals = 100000;
     CEventObject event(nullptr, AUTOMATIC, false, nullptr);
     std::atomic<int> taken{0};
     std::atomic<bool> done{false};
+    std::array<std::atomic<uint64_t>, 4> looks{};
     std::vector<std::thread> takers;
-    for (int taker = 0; taker < 4; ++taker)
+    for (std::atomic<uint64_t>& own : looks)
         takers.emplace_back([&] {
-            while (!done)
-                if (WaitForSingleObject(&event, 0) == WAIT_OBJECT_0)
-                    ++taken;
-                else
-                    std::this_thread::yield();
+            for (; !done; ++own) {
+                taken += WaitForSingleObject(&event, 0) == WAIT_OBJECT_0 ? 1 : 0;
+                std::this_thread::yield();
+            }
         });
-    for (int signal = 0; signal < signals; ++signal) {
+    int signal = 0;
+    while (signal < signals && taken == signal) {
         event.SetEvent();
-        while (taken <= signal)
+        ++signal;
+        while (taken < signal)
             std::this_thread::yield();
+        for (const std::atomic<uint64_t>& other : looks)
+            for (const uint64_t before = other; other == before;)
+                std::this_thread::yield();
     }
     done = true;
     for (std::thread& taker : takers)
         taker.join();
+    EXPECT_EQ(signal, signals);
     EXPECT_EQ(taken, signals);
 }
 

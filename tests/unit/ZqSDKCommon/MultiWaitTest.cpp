@@ -133,17 +133,23 @@ TEST(MultiWait, BlockedAnyWakesOnASignal) {
     EXPECT_FALSE(events.IsSet(1));
 }
 
-TEST(MultiWait, BlockedAllSleepsUntilTheLastSignal) {
+TEST(MultiWait, BlockedAllIsWokenByTheLastSignalOnly) {
     Events events("aAa");
     const uint64_t before = ZqTest::CallCount(Call::CondWait);
+    uint64_t wakingAtFirst = 0;
+    uint64_t wakingAtLast = 0;
     std::thread setter([&] {
         WaitUntilOneMoreWaits(before);
+        const uint64_t signals = ZqTest::CallCount(Call::CondSignal);
         events[0].SetEvent();
+        wakingAtFirst = ZqTest::CallCount(Call::CondSignal) - signals;
         events[2].SetEvent();
+        wakingAtLast = ZqTest::CallCount(Call::CondSignal) - signals - wakingAtFirst;
     });
     EXPECT_EQ(events.Wait(ALL, INFINITE), WAIT_OBJECT_0);
     setter.join();
-    EXPECT_EQ(ZqTest::CallCount(Call::CondWait) - before, 1u);
+    EXPECT_EQ(wakingAtFirst, 1u) << "the event's own single waiters";
+    EXPECT_EQ(wakingAtLast, 2u);
     for (size_t index = 0; index < 3; ++index)
         EXPECT_FALSE(events.IsSet(index)) << index;
 }
@@ -216,6 +222,29 @@ TEST(MultiWait, BrokenSleepTakesWhatIsSet) {
     EXPECT_EQ(events.Wait(ANY, 1000), 1u);
     const SystemFault brokenAgain(Call::CondTimedWait, EINVAL);
     EXPECT_EQ(events.Wait(ANY, 1000), WAIT_TIMEOUT);
+}
+
+// The poll has seen both and waits for the first one's mutex while another thread takes the second.
+TEST(MultiWait, PollForAllThatLosesOneLeavesTheOthersSet) {
+    for (int round = 0; round < 50; ++round) {
+        Events events("AA");
+        std::atomic<bool> polling{false};
+        pthread_mutex_lock(&events[0].mutex);
+        uint32_t result = 0;
+        std::thread poller([&] {
+            polling = true;
+            result = events.Wait(ALL, 0);
+        });
+        while (!polling)
+            std::this_thread::yield();
+        for (int pause = 0; pause < 20; ++pause)
+            std::this_thread::yield();
+        EXPECT_TRUE(events.IsSet(1));
+        pthread_mutex_unlock(&events[0].mutex);
+        poller.join();
+        EXPECT_EQ(result, WAIT_TIMEOUT);
+        EXPECT_TRUE(events.IsSet(0));
+    }
 }
 
 // A waiter that is cancelled leaves nothing of its frame in the events' lists.

@@ -133,6 +133,24 @@ TEST(Worker, StopAndStartOnItsOwnThreadOnlyRequest) {
     EXPECT_FALSE(worker.IsOwnThread());
 }
 
+// The system hands the identifier of a joined thread on to the next one.
+TEST(Worker, StrangerWithTheIdentifierOfAStoppedThreadIsNotItsOwn) {
+    pthread_t former = 0;
+    Worker worker("w", [&](Worker&) { former = pthread_self(); });
+    worker.Start();
+    worker.Stop();
+    bool own = false;
+    bool met = false;
+    for (int attempt = 0; attempt < 100 && !met; ++attempt)
+        std::thread([&] {
+            met = pthread_equal(former, pthread_self()) != 0;
+            own = worker.IsOwnThread();
+        }).join();
+    if (!met)
+        GTEST_SKIP() << "no thread got the identifier";
+    EXPECT_FALSE(own);
+}
+
 TEST(Worker, StopFromTwoThreadsJoinsOnce) {
     for (int round = 0; round < 50; ++round) {
         Worker worker;
