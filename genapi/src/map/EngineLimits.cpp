@@ -113,7 +113,11 @@ std::optional<Number> Engine::GivenNumber(const NumberSource& source) {
         return source.constant;
     if (!IsReadableNode(source.node))
         return std::nullopt;
-    return ReadNumber(source.node);
+    try {
+        return ReadNumber(source.node);
+    } catch (const NoValueNow&) {
+        return std::nullopt;
+    }
 }
 
 Number Engine::SourceLimit(NodeIndex node, Side side) {
@@ -150,7 +154,7 @@ std::optional<double> Engine::ConvertedLimit(NodeIndex node, Number limit) {
     try {
         const double value = Evaluate(node, false, &limit).AsDouble();
         return std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
-    } catch (const GENICAM_NAMESPACE::RuntimeException&) {
+    } catch (const NoValueNow&) {
         return std::nullopt;
     }
 }

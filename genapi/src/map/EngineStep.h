@@ -4,6 +4,12 @@
 
 namespace GENAPI_NAMESPACE::inside {
 
+/// A formula has no value for the current values of its variables. To callers a RuntimeException like others.
+class NoValueNow : public GENICAM_NAMESPACE::RuntimeException {
+public:
+    using RuntimeException::RuntimeException;
+};
+
 /// One level of depth. Refuses chains that would exhaust the stack.
 class Engine::Level {
 public:

@@ -156,8 +156,9 @@ Number Engine::Evaluate(NodeIndex node, bool writing, const Number* converted) {
         Variables variables(*this, node, &raw);
         return EvaluateFormula(formula, variables);
     } catch (const FormulaError& error) {
-        throw RUNTIME_EXCEPTION("The formula of '%s' has no value now: %s in \"%s\".", Name(node).c_str(),
-                                error.what(), formula.text.c_str());
+        throw GENICAM_NAMESPACE::ExceptionReporter<NoValueNow>(__FILE__, __LINE__, "RuntimeException")
+            .Report("The formula of '%s' has no value now: %s in \"%s\".", Name(node).c_str(), error.what(),
+                    formula.text.c_str());
     }
 }
 

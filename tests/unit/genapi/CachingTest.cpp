@@ -1,0 +1,240 @@
+#include "Camera.h"
+
+using namespace GenICam;
+using namespace GenApi;
+
+namespace {
+
+std::string Feature(const std::string& name, const std::string& target, const std::string& more = "") {
+    return ::Node("Integer", name, "<pValue>" + target + "</pValue>" + more);
+}
+
+} // namespace
+
+TEST(Caching, ColdReadIsOneAccessAndWarmReadIsNone) {
+    Camera camera(Feature("F", "R") + IntReg("R", 0));
+    EXPECT_FALSE(camera.Value("F")->IsValueCacheValid());
+    EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+    EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+    EXPECT_TRUE(camera.Value("F")->IsValueCacheValid());
+}
+
+TEST(Caching, WriteThroughKeepsWhatWasWritten) {
+    Camera camera(Feature("F", "R") + IntReg("R", 0));
+    camera.Int("F")->SetValue(5);
+    EXPECT_EQ(camera.Int("F")->GetValue(), 5);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+    EXPECT_EQ(camera.port.TakeWrites(), 1);
+}
+
+TEST(Caching, WriteAroundReadsOnceAfterAWrite) {
+    Camera camera(Feature("F", "R") + IntReg("R", 0, 4, "<Cachable>WriteAround</Cachable>"));
+    camera.Int("F")->SetValue(5);
+    EXPECT_EQ(camera.Int("F")->GetValue(), 5);
+    EXPECT_EQ(camera.Int("F")->GetValue(), 5);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
+TEST(Caching, NoCacheReadsEveryTimeThroughEveryLayer) {
+    Camera camera(Feature("Outer", "K") + IntReg("R", 0, 4, "<Cachable>NoCache</Cachable>") +
+                  ::Node("IntSwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>X+1</Formula>"));
+    EXPECT_EQ(camera.Int("Outer")->GetValue(), 1);
+    camera.port.Put(0, {9});
+    EXPECT_EQ(camera.Int("Outer")->GetValue(), 10);
+    EXPECT_EQ(camera.port.TakeReads(), 2);
+    EXPECT_FALSE(camera.Node("Outer")->IsCachable());
+}
+
+TEST(Caching, IgnoringTheCacheRefreshesWhatOthersSee) {
+    Camera camera(Feature("F", "R") + Feature("G", "R") + IntReg("R", 0));
+    EXPECT_EQ(camera.Int("G")->GetValue(), 0);
+    camera.port.Put(0, {3});
+    EXPECT_EQ(camera.Int("F")->GetValue(false, true), 3);
+    EXPECT_EQ(camera.port.TakeReads(), 2);
+    EXPECT_EQ(camera.Int("G")->GetValue(), 3);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+}
+
+TEST(Caching, FormulaIsKeptUntilAVariableChanges) {
+    Camera camera(IntReg("R", 0) + Feature("F", "R") +
+                  ::Node("SwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>X/2</Formula>"));
+    camera.port.Put(0, {5});
+    EXPECT_EQ(camera.Float("K")->GetValue(), 2.5);
+    EXPECT_TRUE(camera.Value("K")->IsValueCacheValid());
+    camera.Int("F")->SetValue(8);
+    EXPECT_FALSE(camera.Value("K")->IsValueCacheValid());
+    EXPECT_EQ(camera.Float("K")->GetValue(), 4.0);
+}
+
+TEST(Caching, FailedWriteForgetsTheValue) {
+    Camera camera(Feature("F", "R") + IntReg("R", 0));
+    camera.Int("F")->SetValue(1);
+    camera.port.failure = true;
+    EXPECT_THROW(camera.Int("F")->SetValue(2), TimeoutException);
+    camera.port.failure = false;
+    camera.port.TakeReads();
+    EXPECT_EQ(camera.Int("F")->GetValue(), 1);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
+TEST(Invalidation, InvalidatorMakesNodesAndWhatReadsThemStale) {
+    Camera camera(Feature("Binning", "B") + IntReg("B", 0) + Feature("Width", "W") +
+                  IntReg("W", 4, 4, "<pInvalidator>Binning</pInvalidator>") + Feature("Other", "O") +
+                  IntReg("O", 8));
+    EXPECT_EQ(camera.Int("Width")->GetValue(), 0);
+    EXPECT_EQ(camera.Int("Other")->GetValue(), 0);
+    camera.port.Put(4, {7});
+    camera.Int("Binning")->SetValue(2);
+    EXPECT_EQ(camera.Int("Width")->GetValue(), 7);
+    camera.port.TakeReads();
+    EXPECT_EQ(camera.Int("Other")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+}
+
+TEST(Invalidation, CommandInvalidates) {
+    Camera camera(::Node("Command", "Load", "<pValue>C</pValue><CommandValue>1</CommandValue>") +
+                  IntReg("C", 0, 4, "<AccessMode>WO</AccessMode>") +
+                  IntReg("W", 4, 4, "<pInvalidator>Load</pInvalidator>"));
+    EXPECT_EQ(camera.Int("W")->GetValue(), 0);
+    camera.port.Put(4, {9});
+    camera.Command("Load")->Execute();
+    EXPECT_EQ(camera.Int("W")->GetValue(), 9);
+}
+
+TEST(Invalidation, SelectorMakesTheRegistersOfItsFeaturesStale) {
+    Camera camera(::Node("Integer", "Selector", "<pValue>S</pValue><pSelected>Gain</pSelected>") +
+                  IntReg("S", 0) + Feature("Gain", "G") + IntReg("G", 4));
+    EXPECT_EQ(camera.Int("Gain")->GetValue(), 0);
+    camera.port.Put(4, {8});
+    camera.Int("Selector")->SetValue(1);
+    EXPECT_EQ(camera.Int("Gain")->GetValue(), 8);
+}
+
+TEST(Invalidation, InvalidateNodeReachesTheRegistersBelow) {
+    Camera camera(Feature("F", "K") + IntReg("R", 0) +
+                  ::Node("IntConverter", "K",
+                         "<FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>R</pValue>"));
+    EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+    camera.port.Put(0, {6});
+    camera.Node("F")->InvalidateNode();
+    camera.port.TakeReads();
+    EXPECT_EQ(camera.Int("F")->GetValue(), 6);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
+TEST(Invalidation, InvalidateNodesDropsEverythingButOwnValues) {
+    Camera camera(IntReg("R", 0) + ::Node("Integer", "Own", "<Value>4</Value>"));
+    camera.Int("Own")->SetValue(5);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    camera.map._InvalidateNodes();
+    camera.port.TakeReads();
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+    EXPECT_EQ(camera.Int("Own")->GetValue(), 5);
+}
+
+TEST(Invalidation, LegalCirclesThroughLimitsDoNotLoseTheWrittenValue) {
+    Camera camera(Feature("Height", "H", "<pMax>HeightMax</pMax>") + IntReg("H", 0) +
+                  Feature("OffsetY", "O", "<pMax>OffsetMax</pMax>") + IntReg("O", 4) +
+                  ::Node("IntSwissKnife", "HeightMax",
+                         "<pVariable Name=\"Y\">OffsetY</pVariable><Formula>1000-Y</Formula>") +
+                  ::Node("IntSwissKnife", "OffsetMax",
+                         "<pVariable Name=\"H\">Height</pVariable><Formula>1000-H</Formula>"));
+    camera.Int("Height")->SetValue(600);
+    camera.Int("OffsetY")->SetValue(400);
+    EXPECT_EQ(camera.Int("Height")->GetMax(), 600);
+    EXPECT_EQ(camera.Int("OffsetY")->GetMax(), 400);
+    EXPECT_THROW(camera.Int("OffsetY")->SetValue(401), OutOfRangeException);
+}
+
+TEST(Polling, NodeIsStaleWhenItsTimeHasPassed) {
+    Camera camera(IntReg("R", 0, 4, "<PollingTime>100</PollingTime>"));
+    EXPECT_EQ(camera.Node("R")->GetPollingTime(), 100);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    camera.port.TakeReads();
+    camera.map._Poll(99);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+    camera.map._Poll(1);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
+TEST(Callbacks, RunOncePerChangeForEveryNodeConcerned) {
+    Camera camera(Feature("F", "R") + Feature("G", "R") + IntReg("R", 0) + IntReg("Other", 8));
+    int* const f = camera.Watch("F");
+    int* const g = camera.Watch("G", cbPostOutsideLock);
+    int* const r = camera.Watch("R");
+    int* const other = camera.Watch("Other");
+    camera.Int("F")->SetValue(3);
+    EXPECT_EQ(*f, 1);
+    EXPECT_EQ(*g, 1);
+    EXPECT_EQ(*r, 1);
+    EXPECT_EQ(*other, 0);
+}
+
+TEST(Callbacks, InsideOnesHoldTheLockAndSeeTheNewValue) {
+    Camera camera(Feature("F", "R") + IntReg("R", 0));
+    int64_t seen = -1;
+    Register(camera.Node("F"), [&](INode* node) { seen = CIntegerPtr(node)->GetValue(); });
+    camera.Int("F")->SetValue(12);
+    EXPECT_EQ(seen, 12);
+}
+
+TEST(Callbacks, DeregisteredOnesNoLongerRun) {
+    Camera camera(IntReg("R", 0));
+    int count = 0;
+    const CallbackHandleType handle = Register(camera.Node("R"), [&](INode*) { ++count; });
+    camera.Int("R")->SetValue(1);
+    Deregister(handle);
+    Deregister(handle);
+    camera.Int("R")->SetValue(2);
+    EXPECT_EQ(count, 1);
+    EXPECT_FALSE(camera.Node("R")->DeregisterCallback(handle));
+}
+
+TEST(Callbacks, MayDeregisterThemselves) {
+    Camera camera(IntReg("R", 0));
+    CallbackHandleType handle = 0;
+    int count = 0;
+    handle = Register(camera.Node("R"), [&](INode*) {
+        ++count;
+        Deregister(handle);
+    });
+    camera.Int("R")->SetValue(1);
+    camera.Int("R")->SetValue(2);
+    EXPECT_EQ(count, 1);
+}
+
+TEST(Callbacks, MembersOfAClientCanBeRegistered) {
+    struct Client {
+        void OnChange(INode* node) { name = node->GetName(); }
+        gcstring name;
+    } client;
+    Camera camera(IntReg("R", 0));
+    Register(camera.Node("R"), client, &Client::OnChange);
+    camera.Int("R")->SetValue(1);
+    EXPECT_TRUE(client.name == "R");
+}
+
+TEST(Callbacks, ExceptionPassesAfterAllHaveRun) {
+    Camera camera(IntReg("R", 0));
+    Register(camera.Node("R"), [](INode*) { throw RUNTIME_EXCEPTION("from the callback"); });
+    int* const count = camera.Watch("R");
+    EXPECT_EQ(Failure<RuntimeException>([&] { camera.Int("R")->SetValue(1); }), "from the callback");
+    EXPECT_EQ(*count, 1);
+}
+
+TEST(Callbacks, SuppressedOnesDoNotRun) {
+    Camera camera(IntReg("R", 0));
+    int* const count = camera.Watch("R");
+    camera.map._Ptr->SetSuppressCallbackMode(true);
+    camera.Int("R")->SetValue(1);
+    camera.map._Ptr->SetSuppressCallbackMode(false);
+    EXPECT_EQ(*count, 0);
+    camera.Int("R")->SetValue(2);
+    EXPECT_EQ(*count, 1);
+}
