@@ -133,7 +133,8 @@ double FormatArgument::GetReal() const {
 const void* FormatArgument::GetPointer() const {
     if (m_Kind == Kind::Text || m_Kind == Kind::Pointer)
         return m_Pointer;
-    return reinterpret_cast<const void*>(static_cast<uintptr_t>(GetBits()));
+    return reinterpret_cast<const void*>(
+        static_cast<uintptr_t>(GetBits())); // NOLINT(performance-no-int-to-ptr)
 }
 
 std::string FormatArguments(const char* format, const FormatArgument* arguments, size_t count) {

@@ -36,6 +36,7 @@ protected:
 /// A module's producer reported an error of its own accord.
 class IZqCallbackParamGenTLEventError : public IZqCallbackParamBase {
 public:
+    /// The producer's code, GC_ERR_...
     virtual GC_ERROR GetGCError() const = 0;
     /// The producer's text, possibly empty; copy it to keep it.
     virtual const gcstring& GetDescription() const = 0;
@@ -47,6 +48,7 @@ protected:
 /// An error of a system.
 class IZqCallbackParamGenTLEventErrorTL : public IZqCallbackParamGenTLEventError {
 public:
+    /// The system that the error is of; never null, owned as before.
     virtual IZqSystem* GetIZqSystem() const = 0;
 
 protected:
@@ -56,6 +58,7 @@ protected:
 /// An error of an interface.
 class IZqCallbackParamGenTLEventErrorIF : public IZqCallbackParamGenTLEventError {
 public:
+    /// The interface that the error is of; never null, owned as before.
     virtual IZqInterface* GetIZqInterface() const = 0;
 
 protected:
@@ -65,6 +68,7 @@ protected:
 /// An error of a device.
 class IZqCallbackParamGenTLEventErrorDEV : public IZqCallbackParamGenTLEventError {
 public:
+    /// The device that the error is of; never null, owned as before.
     virtual IZqDevice* GetIZqDevice() const = 0;
 
 protected:
@@ -74,6 +78,7 @@ protected:
 /// An error of a data stream.
 class IZqCallbackParamGenTLEventErrorDS : public IZqCallbackParamGenTLEventError {
 public:
+    /// The data stream that the error is of; never null, owned as before.
     virtual IZqDataStream* GetIZqDataStream() const = 0;
 
 protected:
@@ -83,6 +88,7 @@ protected:
 /// An error of a stream buffer.
 class IZqCallbackParamGenTLEventErrorSB : public IZqCallbackParamGenTLEventError {
 public:
+    /// The stream buffer that the error is of; never null, owned as before.
     virtual IZqStreamBuffer* GetIZqStreamBuffer() const = 0;
 
 protected:
@@ -93,6 +99,7 @@ protected:
 /// another thread was faster.
 class IZqCallbackParamGenTLEventNewBuffer : public IZqCallbackParamBase {
 public:
+    /// The data stream that has the buffer; never null, owned as before.
     virtual IZqDataStream* GetIZqDataStream() const = 0;
 
 protected:

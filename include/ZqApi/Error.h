@@ -14,6 +14,7 @@ namespace ZqApi {
 /// GenICam::GenericException.
 class ZQAPI_API CZqGenTLErrorException : public GenICam::GenericException {
 public:
+    /// Copies all texts. `exceptionType` is the kind that `what` names ("ZqGenTLErrorException").
     CZqGenTLErrorException(GC_ERROR error, const char* functionName, const char* description,
                            const char* sourceFileName, int sourceLine, const char* exceptionType);
     CZqGenTLErrorException(const CZqGenTLErrorException&) = default;
@@ -32,9 +33,13 @@ private:
     GC_ERROR m_Error;
 };
 
-/// A call of the operating system failed. The description ends with the code and the system's own text.
+/// A call of the operating system failed.
+///
+/// The description ends with the code and, behind a quotation mark, the system's own text for the error it
+/// had at that moment: "/opt/libzqgentl.cti ErrorCode=0x00000002 " "No such file or directory".
 class ZQAPI_API CZqLinuxErrorException : public GenICam::GenericException {
 public:
+    /// Copies all texts. `exceptionType` is the kind that `what` names ("ZqLinuxErrorException").
     CZqLinuxErrorException(int error, const char* functionName, const char* description,
                            const char* sourceFileName, int sourceLine, const char* exceptionType);
     CZqLinuxErrorException(const CZqLinuxErrorException&) = default;
