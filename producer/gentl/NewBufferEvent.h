@@ -12,6 +12,7 @@ namespace zqgentl {
 class NewBufferEvent final : public Event {
 public:
     explicit NewBufferEvent(std::shared_ptr<StreamEngine> engine);
+    ~NewBufferEvent() override { m_engine->Detach(m_gate); }
 
     void GetData(void* buffer, size_t* size, uint64_t timeoutMs) override;
     void AnswerDataInfo(const void* bytes, size_t size, GenTL::EVENT_DATA_INFO_CMD command,

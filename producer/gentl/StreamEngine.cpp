@@ -1,10 +1,10 @@
 #include "producer/gentl/StreamEngine.h"
 
+#include "producer/gentl/FrameWriter.h"
 #include "producer/gentl/Spin.h"
 #include "producer/sim/Failure.h"
-#include "producer/sim/Pattern.h"
 
-#include <cstring>
+#include <algorithm>
 
 namespace zqgentl {
 
@@ -12,29 +12,6 @@ namespace {
 
 // A thread that was held up this long starts a new beat instead of catching up.
 constexpr std::chrono::seconds maxBacklog(1);
-
-FrameInfo Describe(const FrameTicket& ticket, uint64_t timestampNs) {
-    FrameInfo frame;
-    frame.present = true;
-    frame.frameId = ticket.frameId;
-    frame.timestampNs = timestampNs;
-    frame.width = ticket.plan.region.width;
-    frame.height = ticket.plan.region.height;
-    frame.offsetX = ticket.plan.region.x;
-    frame.offsetY = ticket.plan.region.y;
-    frame.pixelFormat = ticket.plan.pixelFormat;
-    return frame;
-}
-
-void Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
-    FrameInfo frame = Describe(ticket, timestampNs);
-    frame.sizeFilled =
-        DrawMono8(ticket.plan.pattern, ticket.plan.region, ticket.frameId, buffer.Base(), buffer.Size());
-    frame.deliveredHeight = frame.sizeFilled / frame.width;
-    frame.largerThanBuffer = frame.sizeFilled < frame.width * frame.height;
-    frame.incomplete = frame.largerThanBuffer;
-    buffer.SetFrame(frame);
-}
 
 uint64_t Nanoseconds(std::chrono::steady_clock::time_point time) {
     return static_cast<uint64_t>(std::chrono::nanoseconds(time.time_since_epoch()).count());
@@ -61,7 +38,6 @@ private:
 };
 
 StreamEngine::StreamEngine(Camera& camera) : m_camera(camera) {
-    m_lost = camera.Lost();
     m_thread = std::thread([this] { Run(); });
 }
 
@@ -212,7 +188,6 @@ void StreamEngine::Wake() {
 
 void StreamEngine::Lose() {
     Lock lock(m_lock);
-    m_lost = true;
     m_running = false;
     const Pause pause(*this, lock);
     CancelCurrent(Place::Idle);
@@ -243,8 +218,9 @@ void StreamEngine::Attach(EventGate& gate) {
 void StreamEngine::Detach(EventGate& gate) {
     std::lock_guard<std::mutex> guard(m_lock);
     gate.Close();
-    if (m_gate == &gate)
-        m_gate = nullptr;
+    if (m_gate != &gate)
+        return;
+    m_gate = nullptr;
     m_pool.MoveAll(Place::Output, Place::Idle);
 }
 
@@ -257,8 +233,7 @@ void StreamEngine::TakeFilled(EventGate& gate, void* buffer, size_t* size, uint6
     if (m_free && timeoutMs > 0)
         SpinUntil([this] { return m_pool.Count(Place::Output) > 0; });
     Lock lock(m_lock);
-    // After a loss nothing is handed out any more, but the waits last as long as before.
-    gate.Await(lock, timeoutMs, [this] { return !m_lost && m_pool.Count(Place::Output) > 0; });
+    gate.Await(lock, timeoutMs, [this] { return m_pool.Count(Place::Output) > 0; });
     BufferModule& filled = *m_pool.First(Place::Output);
     if (buffer != nullptr) {
         const GenTL::EVENT_NEW_BUFFER_DATA data{filled.Handle(), filled.UserPointer()};
@@ -319,7 +294,7 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
     if (begun)
-        Fill(buffer, ticket, static_cast<uint64_t>(SteadyNow()));
+        WriteFrame(buffer, ticket, static_cast<uint64_t>(SteadyNow()));
     lock.lock();
     m_writing = false;
     if (begun) {
@@ -333,11 +308,13 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
 }
 
 void StreamEngine::Schedule(const FrameTicket& ticket) {
-    if (!m_rescheduled && ticket.run == m_run && Clock::now() - m_due < maxBacklog)
-        return;
+    const Clock::time_point now = Clock::now();
+    if (m_rescheduled || ticket.run != m_run || now - m_due > maxBacklog)
+        m_due = now;
+    // A rate raised meanwhile must not wait for the old period to end.
+    m_due = std::min(m_due, now + ticket.plan.period);
     m_rescheduled = false;
     m_run = ticket.run;
-    m_due = Clock::now();
 }
 
 bool StreamEngine::AwaitDue(Lock& lock, const FrameTicket& ticket) {
@@ -365,7 +342,7 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
     BufferModule& buffer = *m_pool.First(Place::Input);
     Take(buffer);
     ++m_counters.started;
-    m_currentFrame = Describe(ticket, Nanoseconds(exposed));
+    m_currentFrame = DescribeFrame(ticket, Nanoseconds(exposed));
     // A frame once begun is finished, unless it is taken away by a flush, a kill or a loss.
     const bool taken = m_wake.wait_until(lock, exposed + ticket.plan.exposure,
                                          [&] { return m_quit || m_current != &buffer; });
@@ -373,7 +350,7 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
         return;
     m_writing = true;
     lock.unlock();
-    Fill(buffer, ticket, Nanoseconds(exposed));
+    WriteFrame(buffer, ticket, Nanoseconds(exposed));
     lock.lock();
     m_writing = false;
     Deliver(buffer);

@@ -101,7 +101,6 @@ private:
     bool m_threadIdle = false;
     bool m_running = false;
     bool m_stopOwed = false;
-    bool m_lost = false;
     bool m_quit = false;
     bool m_rescheduled = true;
     uint64_t m_run = 0;

@@ -103,6 +103,8 @@ void Camera::TakePlan(FrameTicket& ticket) const {
 void Camera::StartAcquisition() {
     {
         std::lock_guard<std::mutex> guard(m_lock);
+        if (m_acquiring)
+            return;
         ++m_run;
         m_nextFrameId = 0;
         const auto mode = static_cast<AcquisitionMode>(m_settings.acquisitionMode);

@@ -98,6 +98,7 @@ public:
     enum class Lockable { No, Yes };
     template <class Change>
     void Apply(Lockable lockable, Change change);
+    /// Changes nothing while an acquisition is under way.
     void StartAcquisition();
     void StopAcquisition();
     void Lose();

@@ -18,15 +18,13 @@ protected:
         auto buffers = Announce(4, 64);
         Queue({buffers[3]});
         Start(1);
-        while (StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) < 1)
-            std::this_thread::yield();
+        EXPECT_TRUE(Eventually([&] { return StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) >= 1; }));
         EXPECT_EQ(WriteInt(camera::AcquisitionStop, 1), GC_ERR_SUCCESS);
         EXPECT_EQ(gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
         MakePaced(1, 1e6);
         Queue({buffers[2]});
         Start();
-        while (!BufferInfo<bool>(buffers[2], BUFFER_INFO_IS_ACQUIRING))
-            std::this_thread::yield();
+        EXPECT_TRUE(Eventually([&] { return BufferInfo<bool>(buffers[2], BUFFER_INFO_IS_ACQUIRING); }));
         Queue({buffers[1]});
         return buffers;
     }
@@ -134,8 +132,7 @@ TEST_F(Buffers, RevokingQueuedOrUndeliveredOnesIsBusy) {
     EXPECT_EQ(gentl.DSQueueBuffer(stream, buffers[0]), GC_ERR_RESOURCE_IN_USE);
     EXPECT_EQ(gentl.DSRevokeBuffer(stream, buffers[0], nullptr, nullptr), GC_ERR_BUSY);
     Start(1);
-    while (StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) < 1)
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) >= 1; }));
     EXPECT_EQ(gentl.DSRevokeBuffer(stream, buffers[0], nullptr, nullptr), GC_ERR_BUSY);
     ASSERT_EQ(Next(), buffers[0]);
     void* base = buffers[0];

@@ -46,8 +46,7 @@ protected:
         MakeSmallAndFast();
         Queue(Announce(3, 64));
         Start(3);
-        while (StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) < 3)
-            std::this_thread::yield();
+        EXPECT_TRUE(Eventually([&] { return StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) >= 3; }));
     }
 };
 
@@ -100,8 +99,7 @@ TEST_F(Events, KillEndsExactlyOneOfTwoWaits) {
     std::thread first(wait);
     std::thread second(wait);
     EXPECT_EQ(gentl.EventKill(newBuffer), GC_ERR_SUCCESS);
-    while (ended < 1)
-        std::this_thread::yield();
+    EXPECT_TRUE(Eventually([&] { return ended >= 1; }));
     DeliverOne();
     first.join();
     second.join();
@@ -119,8 +117,7 @@ TEST_F(Events, UnregisteringAbortsWaitsAndFreesFilledBuffers) {
         const GC_ERROR result = Wait(error, GENTL_INFINITE);
         EXPECT_TRUE(result == GC_ERR_ABORT || result == GC_ERR_INVALID_HANDLE);
     });
-    while (!waiting)
-        std::this_thread::yield();
+    EXPECT_TRUE(Eventually([&] { return waiting.load(); }));
     EXPECT_EQ(gentl.GCUnregisterEvent(stream, EVENT_ERROR), GC_ERR_SUCCESS);
     waiter.join();
     EXPECT_EQ(gentl.GCUnregisterEvent(stream, EVENT_NEW_BUFFER), GC_ERR_SUCCESS);

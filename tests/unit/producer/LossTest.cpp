@@ -58,8 +58,7 @@ TEST_F(Loss, WaitsForBuffersTimeOut) {
     MakeSmallAndFast();
     Queue(Announce(2, 64));
     Start();
-    while (StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) < 2)
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) >= 2; }));
     Lose();
     const auto before = std::chrono::steady_clock::now();
     EXPECT_EQ(Next(30), nullptr);
@@ -134,8 +133,7 @@ TEST_F(Loss, EndsADefaultStopThatWaitsForAFrame) {
     const auto buffers = Announce(1, 640 * 480);
     Queue(buffers);
     Start();
-    while (!BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_ACQUIRING))
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_ACQUIRING); }));
     const auto before = std::chrono::steady_clock::now();
     std::thread stopper([&] { gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_DEFAULT); });
     Lose();

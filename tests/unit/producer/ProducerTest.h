@@ -2,10 +2,12 @@
 
 #include "Functions.h"
 
+#include <chrono>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace GenTL;
@@ -31,6 +33,18 @@ constexpr uint64_t ExposureTime = 0x528;
 constexpr uint64_t TLParamsLocked = 0x600;
 constexpr uint64_t SimulationDeviceLost = 0x700;
 } // namespace camera
+
+/// Waits, without sleeping, until the condition holds; false after ten seconds.
+template <class Condition>
+bool Eventually(Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::yield();
+    }
+    return true;
+}
 
 /// One initialised library per test, with the few calls that every test needs.
 class ProducerTest : public testing::Test {

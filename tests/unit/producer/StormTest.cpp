@@ -49,8 +49,7 @@ TEST_F(Storm, ThreadsOnOneStreamNeverBreakIt) {
     // After all that every buffer is still there and the stream goes on.
     EXPECT_EQ(gentl.DSFlushQueue(stream, ACQ_QUEUE_UNQUEUED_TO_INPUT), GC_ERR_SUCCESS);
     const uint64_t enough = frames + 1000;
-    while (frames < enough)
-        std::this_thread::yield();
+    EXPECT_TRUE(Eventually([&] { return frames >= enough; }));
     stop = true;
     for (std::thread& fetcher : fetchers)
         fetcher.join();

@@ -60,6 +60,7 @@ TEST_F(StreamFlow, FrameIsDescribed) {
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_XOFFSET), 24U);
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_YOFFSET), 3U);
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_XPADDING), 0U);
+    EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_YPADDING), 0U);
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_IMAGEOFFSET), 0U);
     EXPECT_EQ(BufferInfo<uint64_t>(buffer, BUFFER_INFO_PIXELFORMAT), 0x01080001U);
     EXPECT_EQ(BufferInfo<uint64_t>(buffer, BUFFER_INFO_PIXELFORMAT_NAMESPACE), 4U);
@@ -143,8 +144,7 @@ TEST_F(StreamFlow, PacedCameraLosesFramesThatFindNoBuffer) {
     Start();
     ASSERT_EQ(Next(), buffers[0]);
     ASSERT_EQ(Next(), buffers[1]);
-    while (StreamInfo<uint64_t>(STREAM_INFO_NUM_UNDERRUN) < 3)
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return StreamInfo<uint64_t>(STREAM_INFO_NUM_UNDERRUN) >= 3; }));
     Queue({buffers[0]});
     ASSERT_EQ(Next(), buffers[0]);
     ASSERT_EQ(WriteInt(camera::AcquisitionStop, 1), GC_ERR_SUCCESS);
@@ -230,8 +230,7 @@ TEST_F(StreamFlow, StoppedStreamKeepsItsFilledBuffers) {
     MakeSmallAndFast();
     Queue(Announce(4, 64));
     Start(2);
-    while (StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) < 2)
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return StreamInfo<size_t>(STREAM_INFO_NUM_AWAIT_DELIVERY) >= 2; }));
     ASSERT_EQ(gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
     EXPECT_EQ(StreamInfo<size_t>(STREAM_INFO_NUM_QUEUED), 2U);
     EXPECT_NE(Next(0), nullptr);
@@ -244,8 +243,7 @@ TEST_F(StreamFlow, KillDeliversTheFrameAtHandIncomplete) {
     const auto buffers = Announce(1, 640 * 480);
     Queue(buffers);
     Start();
-    while (!BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_ACQUIRING))
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_ACQUIRING); }));
     EXPECT_EQ(gentl.DSRevokeBuffer(stream, buffers[0], nullptr, nullptr), GC_ERR_BUSY);
     EXPECT_EQ(gentl.DSQueueBuffer(stream, buffers[0]), GC_ERR_RESOURCE_IN_USE);
     EXPECT_EQ(StreamInfo<size_t>(STREAM_INFO_NUM_QUEUED), 1U);
@@ -263,8 +261,7 @@ TEST_F(StreamFlow, DefaultStopFinishesTheFrameAtHand) {
     const auto buffers = Announce(1, 640 * 480);
     Queue(buffers);
     Start();
-    while (!BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_ACQUIRING))
-        std::this_thread::yield();
+    ASSERT_TRUE(Eventually([&] { return BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_ACQUIRING); }));
     ASSERT_EQ(gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_DEFAULT), GC_ERR_SUCCESS);
     ASSERT_EQ(Next(0), buffers[0]);
     EXPECT_FALSE(BufferInfo<bool>(buffers[0], BUFFER_INFO_IS_INCOMPLETE));
