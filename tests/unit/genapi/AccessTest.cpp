@@ -1,0 +1,175 @@
+#include "Camera.h"
+
+using namespace GenICam;
+using namespace GenApi;
+
+namespace {
+
+std::string Feature(const std::string& name, const std::string& inside) {
+    return ::Node("Integer", name, inside);
+}
+
+} // namespace
+
+TEST(Access, EveryPredicateRestrictsAndIsNamed) {
+    Camera camera(Feature("Flag", "<Value>1</Value>") +
+                  Feature("Imp", "<pIsImplemented>Flag</pIsImplemented><Value>1</Value>") +
+                  Feature("Ava", "<pIsAvailable>Flag</pIsAvailable><Value>1</Value>") +
+                  Feature("Loc", "<pIsLocked>Flag</pIsLocked><Value>1</Value>"));
+    EXPECT_EQ(camera.Mode("Imp"), RW);
+    EXPECT_EQ(camera.Mode("Ava"), RW);
+    EXPECT_EQ(camera.Mode("Loc"), RO);
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("Loc")->SetValue(2); }),
+              "Node 'Loc' is not writable: it is locked by 'Flag' (access mode RO).");
+    camera.Int("Flag")->SetValue(0);
+    EXPECT_EQ(camera.Mode("Imp"), NI);
+    EXPECT_EQ(camera.Mode("Ava"), NA);
+    EXPECT_EQ(camera.Mode("Loc"), RW);
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("Imp")->GetValue(); }),
+              "Node 'Imp' is not readable: it is not implemented, as 'Flag' says (access mode NI).");
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("Ava")->SetValue(2); }),
+              "Node 'Ava' is not writable: it is not available, as 'Flag' says (access mode NA).");
+}
+
+TEST(Access, AnyNonZeroPredicateIsTrue) {
+    Camera camera(Feature("Flag", "<Value>0x80</Value>") + ::Node("Boolean", "B", "<Value>true</Value>") +
+                  Feature("A", "<pIsAvailable>Flag</pIsAvailable><Value>1</Value>") +
+                  Feature("C", "<pIsAvailable>B</pIsAvailable><Value>1</Value>"));
+    EXPECT_EQ(camera.Mode("A"), RW);
+    EXPECT_EQ(camera.Mode("C"), RW);
+}
+
+TEST(Access, MissingPredicateRestrictsNothing) {
+    Camera camera(
+        Feature("A", "<pIsImplemented>Gone</pIsImplemented><pIsLocked>Gone</pIsLocked><Value>1</Value>"));
+    EXPECT_EQ(camera.Mode("A"), RW);
+}
+
+TEST(Access, PredicateThatFailsMakesTheNodeUnavailable) {
+    Camera camera(Feature("A", "<pIsAvailable>R</pIsAvailable><Value>1</Value>") + IntReg("R", 0));
+    camera.port.failure = true;
+    EXPECT_EQ(camera.Mode("A"), NA);
+}
+
+TEST(Access, ModeOfAChainIsTheMeetOfItsLinks) {
+    Camera camera(Feature("A", "<pValue>R</pValue>") +
+                  Feature("Imposed", "<pValue>W</pValue><ImposedAccessMode>RO</ImposedAccessMode>") +
+                  IntReg("R", 0, 4, "<AccessMode>RO</AccessMode>") + IntReg("W", 4) +
+                  Feature("Nothing", "<pValue>R</pValue><ImposedAccessMode>WO</ImposedAccessMode>"));
+    EXPECT_EQ(camera.Mode("A"), RO);
+    EXPECT_EQ(camera.Mode("Imposed"), RO);
+    EXPECT_EQ(camera.Mode("Nothing"), NA);
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("A")->SetValue(1); }),
+              "Node 'A' is not writable: 'R' is not writable, its register is RO (access mode RO).");
+}
+
+TEST(Access, UnconnectedPortMakesRegistersUnavailable) {
+    Camera camera(Feature("A", "<pValue>R</pValue>") + IntReg("R", 0), false);
+    EXPECT_EQ(camera.Mode("A"), NA);
+    EXPECT_EQ(
+        Failure<AccessException>([&] { camera.Int("A")->GetValue(); }),
+        "Node 'A' is not readable: 'R' is not readable, port 'Device' is not connected (access mode NA).");
+    camera.map._Connect(&camera.port);
+    EXPECT_EQ(camera.Mode("A"), RW);
+}
+
+TEST(Access, ReadOnlyPortRefusesAWriteItself) {
+    Camera camera(Feature("A", "<pValue>R</pValue>") + IntReg("R", 0) +
+                  Feature("Locked", "<pIsLocked>One</pIsLocked><pValue>R</pValue>") +
+                  Feature("One", "<Value>1</Value>"));
+    camera.port.mode = RO;
+    EXPECT_EQ(camera.Mode("A"), RO);
+    EXPECT_FALSE(IsWritable(camera.Node("A")));
+    EXPECT_EQ(Failure<RuntimeException>([&] { camera.Int("A")->SetValue(5); }), "Port is not writable.");
+    EXPECT_THROW(camera.Int("Locked")->SetValue(5), AccessException);
+    EXPECT_EQ(camera.Int("A")->GetValue(), 0);
+}
+
+TEST(Access, ImposedModeNarrowsAndRunsCallbacks) {
+    Camera camera(Feature("A", "<Value>1</Value>"));
+    int* const count = camera.Watch("A");
+    camera.Node("A")->ImposeAccessMode(RO);
+    EXPECT_EQ(camera.Mode("A"), RO);
+    EXPECT_EQ(*count, 1);
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("A")->SetValue(2); }),
+              "Node 'A' is not writable: its access is imposed to be RO (access mode RO).");
+    camera.Node("A")->ImposeAccessMode(RW);
+    EXPECT_EQ(camera.Mode("A"), RW);
+}
+
+TEST(Access, ModeIsKeptUntilAPredicateChanges) {
+    Camera camera(Feature("A", "<pIsAvailable>Flag</pIsAvailable><Value>1</Value>") + IntReg("Flag", 0));
+    camera.port.Put(0, {1});
+    EXPECT_EQ(camera.Mode("A"), RW);
+    EXPECT_EQ(camera.Mode("A"), RW);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+    camera.Int("Flag")->SetValue(0);
+    EXPECT_EQ(camera.Mode("A"), NA);
+    EXPECT_EQ(camera.Node("A")->IsAccessModeCacheable(), Yes);
+}
+
+TEST(Access, PredicateThatIsNeverKeptIsAskedEveryTime) {
+    Camera camera(Feature("A", "<pIsAvailable>Flag</pIsAvailable><Value>1</Value>") +
+                  IntReg("Flag", 0, 4, "<Cachable>NoCache</Cachable>"));
+    EXPECT_EQ(camera.Mode("A"), NA);
+    camera.port.Put(0, {1});
+    EXPECT_EQ(camera.Mode("A"), RW);
+    EXPECT_EQ(camera.Node("A")->IsAccessModeCacheable(), No);
+}
+
+TEST(Access, CircleOfPredicatesEnds) {
+    Camera camera(Feature("A", "<pIsAvailable>B</pIsAvailable><Value>1</Value>") +
+                  Feature("B", "<pIsAvailable>A</pIsAvailable><Value>1</Value>"));
+    EXPECT_EQ(camera.Mode("A"), RW);
+    EXPECT_EQ(camera.Mode("B"), RW);
+}
+
+TEST(Access, KnifeNeedsItsVariablesAndIsNeverWritable) {
+    Camera camera(::Node("IntSwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>X</Formula>") +
+                  IntReg("R", 0, 4, "<AccessMode>WO</AccessMode>") +
+                  ::Node("SwissKnife", "Const", "<Formula>1.5</Formula>"));
+    EXPECT_EQ(camera.Mode("K"), NA);
+    EXPECT_EQ(camera.Mode("Const"), RO);
+    EXPECT_EQ(camera.Float("Const")->GetValue(), 1.5);
+    EXPECT_THROW(camera.Float("Const")->SetValue(1), AccessException);
+}
+
+TEST(Access, ExceptionsOfThePortPassUnchanged) {
+    Camera camera(Feature("A", "<pValue>R</pValue>") + IntReg("R", 0));
+    camera.port.failure = true;
+    EXPECT_EQ(Failure<TimeoutException>([&] { camera.Int("A")->GetValue(); }), "no answer");
+    camera.port.failure = false;
+    EXPECT_EQ(camera.Int("A")->GetValue(), 0);
+}
+
+TEST(Access, VisibilityIsTheNarrowerOfBoth) {
+    Camera camera(Feature("A", "<Visibility>Expert</Visibility><Value>1</Value>"));
+    EXPECT_EQ(camera.Node("A")->GetVisibility(), Expert);
+    camera.Node("A")->ImposeVisibility(Guru);
+    EXPECT_EQ(camera.Node("A")->GetVisibility(), Guru);
+    camera.Node("A")->ImposeVisibility(Beginner);
+    EXPECT_EQ(camera.Node("A")->GetVisibility(), Expert);
+    EXPECT_TRUE(IsVisible(camera.Node("A"), Expert));
+    EXPECT_FALSE(IsVisible(camera.Node("A"), Beginner));
+}
+
+TEST(Access, AnotherSpellingOfTheModeIsUnderstood) {
+    Camera camera(IntReg("R", 0, 4, "<AccessMode>R</AccessMode>") +
+                  IntReg("Odd", 0, 4, "<AccessMode>X</AccessMode>"));
+    EXPECT_EQ(camera.Mode("R"), RO);
+    EXPECT_EQ(camera.Mode("Odd"), RO);
+}
+
+TEST(Selector, BothDirectionsAreListed) {
+    Camera camera(Feature("Sel", "<Value>0</Value><pSelected>Gain</pSelected><pSelected>Gone</pSelected>") +
+                  Feature("Gain", "<Value>0</Value>"));
+    FeatureList_t list;
+    const CSelectorPtr selector = camera.Node("Sel");
+    EXPECT_TRUE(selector->IsSelector());
+    selector->GetSelectedFeatures(list);
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_TRUE(list[0]->GetNode()->GetName() == "Gain");
+    CSelectorPtr(camera.Node("Gain"))->GetSelectingFeatures(list);
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_TRUE(list[0]->GetNode()->GetName() == "Sel");
+}
