@@ -28,7 +28,8 @@ class Plan {
 public:
     /// One interface IF1 ("U3V") with one device DEV1 that has one stream.
     void MakeUsual();
-    void Clear() { interfaces.clear(); }
+    /// Numbering begins anew as well.
+    void Clear() { *this = Plan(); }
     void AddInterface(const std::string& id, const std::string& tlType);
     bool RemoveInterface(const std::string& id);
 

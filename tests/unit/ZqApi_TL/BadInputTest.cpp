@@ -28,7 +28,9 @@ protected:
     }
 
     fs::path File() const { return m_Folder / "libzqgentl.cti"; }
-    static IZqSystemReleasable* Open() { return CreateIZqSystem(ZqSystemVendor_Default, ZqInterfaceType_All); }
+    static IZqSystemReleasable* Open() {
+        return CreateIZqSystem(ZqSystemVendor_Default, ZqInterfaceType_All);
+    }
 
     Library library;
 
@@ -77,6 +79,16 @@ protected:
     /// Opens the device, whose camera offers these bytes under that name; says how it failed.
     std::string OpenWith(const std::string& fileName, const std::string& bytes) {
         producer.SetDescription("REMOTE", fileName, bytes);
+        return Opening();
+    }
+
+    std::string OpenAt(const std::string& url) {
+        producer.SetUrl("REMOTE", url);
+        return Opening();
+    }
+
+private:
+    std::string Opening() {
         std::string text;
         try {
             Open();
@@ -116,7 +128,9 @@ TEST_F(BadDescription, ZippedOneOpens) {
     EXPECT_EQ(width->GetValue(), 640);
 }
 
-TEST_F(BadDescription, PlainOneNamedZipOpens) { EXPECT_EQ(OpenWith("camera.zip", CAMERA), "opened"); }
+TEST_F(BadDescription, PlainOneNamedZipOpens) {
+    EXPECT_EQ(OpenWith("camera.zip", CAMERA), "opened");
+}
 
 TEST_F(BadDescription, TruncatedAnywhereIsRefused) {
     const std::string whole = CAMERA;
@@ -150,14 +164,10 @@ TEST_F(BadDescription, ZipThatUnpacksToGigabytesIsRefused) {
 }
 
 TEST_F(BadDescription, UrlThatLiesAboutItsLengthIsRefused) {
-    producer.SetUrl("REMOTE", "local:camera.xml;10000;FFFFFFFFFFFFFFFF");
-    EXPECT_EQ(Catch<GenICam::BadAllocException>([this] { Open(); }).text, "std::bad_alloc");
-    producer.SetUrl("REMOTE", "local:camera.xml;10000;40000001");
-    EXPECT_EQ(Catch<GenICam::BadAllocException>([this] { Open(); }).text, "std::bad_alloc");
-    producer.SetUrl("REMOTE", "local:camera.xml;10000");
-    EXPECT_THROW(Open(), GenICam::GenericException);
-    producer.SetUrl("REMOTE", "local:camera.xml;10000;20");
-    EXPECT_THROW(Open(), GenICam::GenericException);
+    EXPECT_EQ(OpenAt("local:camera.xml;10000;FFFFFFFFFFFFFFFF"), "std::bad_alloc");
+    EXPECT_EQ(OpenAt("local:camera.xml;10000;40000001"), "std::bad_alloc");
+    EXPECT_NE(OpenAt("local:camera.xml;10000"), "opened");
+    EXPECT_NE(OpenAt("local:camera.xml;10000;20"), "opened");
     EXPECT_EQ(producer.Log("DevClose").size(), 4u);
 }
 
@@ -167,11 +177,9 @@ TEST_F(BadDescription, ProducerThatReturnsMoreThanAskedForIsCutToTheRequest) {
 }
 
 TEST_F(BadDescription, UrlIsReadAsWrittenInTheField) {
-    producer.SetUrl("REMOTE", "Local:cam.zip;0x8000;1A00?SchemaVersion=1.1.0");
-    EXPECT_THROW(Open(), GenICam::GenericException);
+    EXPECT_NE(OpenAt("Local:cam.zip;0x8000;1A00?SchemaVersion=1.1.0"), "opened");
     EXPECT_EQ(producer.Log("GCReadPort").back(), "GCReadPort(REMOTE1, 0x8000, 6656)");
-    producer.SetUrl("REMOTE", "foo:x.xml;10;20");
-    EXPECT_THROW(Open(), GenICam::GenericException);
+    EXPECT_NE(OpenAt("foo:x.xml;10;20"), "opened");
     EXPECT_EQ(producer.Log("GCReadPort").back(), "GCReadPort(REMOTE1, 0x10, 32)");
 }
 

@@ -325,7 +325,13 @@ TEST_F(DeviceModule, ReleaseOnItsOwnEventThreadIsRefused) {
     EXPECT_NE(text, "");
 }
 
-TEST_F(DeviceModule, ReleasedTooLateItsCallsAnswerNotImplemented) {
+/// What is released after its system can't be closed any more.
+class LateDevice : public DeviceModule {
+protected:
+    void TearDown() override { device.reset(); }
+};
+
+TEST_F(LateDevice, CallsOfADeviceReleasedAfterItsSystemAnswerNotImplemented) {
     Open();
     system.reset();
     EXPECT_EQ(producer.Count("DevClose"), 0u);

@@ -77,7 +77,7 @@ protected:
 
 TEST_F(EuresysInterface, FirstUpdateFillsTheListWithoutAReportedChange) {
     Offer("CXP", {{"DEVA", 1}});
-    producer.Answer("IFUpdateDeviceList").Value<uint8_t>(0);
+    producer.Answer("IFUpdateDeviceList").AlsoRuns().Value<uint8_t>(0);
     IZqInterface* const interface = Open(ZqSystemVendor_Euresys);
     EXPECT_EQ(interface->GetDeviceCount(), 1u);
     EXPECT_FALSE(interface->UpdateDeviceList());
@@ -241,6 +241,7 @@ TEST_F(InterfaceModule, IsTornDownInTheStatedOrder) {
 }
 
 TEST_F(InterfaceModule, FailingCloseIsNotSeen) {
+    expectNothingOpen = false;
     Offer("GEV");
     Open();
     producer.Answer("IFClose").With(GC_ERR_IO).AlsoRuns();

@@ -123,7 +123,7 @@ protected:
 };
 
 TEST_F(EuresysSystem, FirstUpdateWrapsWithoutAReportedChange) {
-    producer.Answer("TLUpdateInterfaceList").Value<uint8_t>(0);
+    producer.Answer("TLUpdateInterfaceList").AlsoRuns().Value<uint8_t>(0);
     const System system = OpenSystem(ZqInterfaceType_All, ZqSystemVendor_Euresys);
     EXPECT_EQ(system->GetInterfaceCount(), 1u);
     EXPECT_FALSE(system->UpdateInterfaceList());
@@ -207,6 +207,7 @@ TEST_F(SystemModule, NoInterfacesMeansNoDevice) {
 }
 
 TEST_F(SystemModule, FailuresAtReleaseAreNotSeenAndTheLoaderStillCloses) {
+    expectNothingOpen = false;
     System system = OpenSystem();
     producer.Answer("TLClose").With(GC_ERR_ERROR).AlsoRuns();
     EXPECT_NO_THROW(system.reset());
@@ -214,6 +215,7 @@ TEST_F(SystemModule, FailuresAtReleaseAreNotSeenAndTheLoaderStillCloses) {
 }
 
 TEST_F(SystemModule, FailedConstructionReportsItsFirstFailure) {
+    expectNothingOpen = false;
     producer.Answer("TLGetNumInterfaces").With(GC_ERR_IO);
     producer.Answer("TLClose").With(GC_ERR_ERROR).AlsoRuns();
     EXPECT_EQ(OpenFails().text, "-1010 = TLGetNumInterfaces(PTR, PTR)");
@@ -293,8 +295,7 @@ TEST_F(SystemWithoutTLOpen, IsReportedLikeAFailedCall) {
 
 class SystemWithoutTLClose : public SystemModule {
 protected:
-    SystemWithoutTLClose() : SystemModule("without_TLClose") {}
-    void TearDown() override {}
+    SystemWithoutTLClose() : SystemModule("without_TLClose") { expectNothingOpen = false; }
 };
 
 TEST_F(SystemWithoutTLClose, StillUnloadsTheProducer) {
