@@ -23,7 +23,12 @@ class FormulaBuilder {
 public:
     FormulaBuilder(Description& description, NodeIndex index)
         : m_description(description), m_source(description.document->nodes[index]),
-          m_node(description.nodes[index]) {}
+          m_node(description.nodes[index]) {
+        for (const Element& element : m_source.elements)
+            if (element.attributeName == "Name" &&
+                (element.name == "pVariable" || element.name == "Constant" || element.name == "Expression"))
+                m_declared.emplace(element.attribute, &element);
+    }
 
     void Build() {
         m_converts = m_node.type == NodeType::Converter || m_node.type == NodeType::IntConverter;
@@ -56,18 +61,16 @@ private:
 
     Symbol Resolve(std::string_view name, std::string_view converted) {
         Symbol symbol;
-        for (const Element& element : m_source.elements) {
-            if (element.attributeName != "Name" || element.attribute != name)
-                continue;
+        const auto declared = m_declared.find(name);
+        if (declared != m_declared.end()) {
+            const Element& element = *declared->second;
             if (element.name == "pVariable")
                 return Variable(name, m_description.Find(element.text));
             if (element.name == "Constant")
                 return Constant(element);
-            if (element.name == "Expression") {
-                symbol.kind = Symbol::Kind::Expression;
-                symbol.expression = element.text;
-                return symbol;
-            }
+            symbol.kind = Symbol::Kind::Expression;
+            symbol.expression = element.text;
+            return symbol;
         }
         if (!converted.empty() && name == converted) {
             symbol.kind = Symbol::Kind::Variable;
@@ -90,11 +93,9 @@ private:
     // A property of a declared variable may be used without a declaration of its own.
     Symbol Derived(std::string_view name) {
         const size_t dot = name.find('.');
-        if (dot != name.npos)
-            for (const Element& element : m_source.elements)
-                if (element.name == "pVariable" && element.attributeName == "Name" &&
-                    element.attribute == name.substr(0, dot))
-                    return Variable(name, m_description.Find(element.text));
+        const auto declared = m_declared.find(name.substr(0, dot));
+        if (dot != name.npos && declared != m_declared.end() && declared->second->name == "pVariable")
+            return Variable(name, m_description.Find(declared->second->text));
         return {};
     }
 
@@ -137,6 +138,7 @@ private:
     Description& m_description;
     const SourceNode& m_source;
     NodeDescription& m_node;
+    std::unordered_map<std::string_view, const Element*> m_declared;
     bool m_converts = false;
 };
 

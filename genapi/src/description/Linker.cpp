@@ -116,20 +116,28 @@ private:
             }
     }
 
-    std::vector<NodeIndex> RegistersBehind(NodeIndex start) const {
+    // Bounded, because a hostile file can make every selector reach every node; past the budget only the
+    // feature itself becomes stale.
+    std::vector<NodeIndex> RegistersBehind(NodeIndex start) {
+        constexpr size_t kMaxNodes = 512;
         std::vector<NodeIndex> seen{start};
         std::vector<NodeIndex> registers;
-        constexpr size_t kMaxSteps = 512;
-        for (size_t next = 0; next < std::min(seen.size(), kMaxSteps); ++next) {
+        m_seen.resize(m_description.nodes.size(), kNoNode);
+        for (size_t next = 0; next < seen.size() && seen.size() < kMaxNodes && m_selectorBudget > 0; ++next) {
             // Past its own value a register reads only where it lies.
             if (m_description.nodes[seen[next]].reg) {
                 registers.push_back(seen[next]);
                 continue;
             }
-            for (const NodeIndex child : m_description.reads.Of(seen[next]))
-                if (std::find(seen.begin(), seen.end(), child) == seen.end())
+            for (const NodeIndex child : m_description.reads.Of(seen[next])) {
+                --m_selectorBudget;
+                if (child != start && m_seen[child] != m_walk && seen.size() < kMaxNodes) {
+                    m_seen[child] = m_walk;
                     seen.push_back(child);
+                }
+            }
         }
+        ++m_walk;
         return registers;
     }
 
@@ -212,6 +220,9 @@ private:
     Edges m_valueUsers;
     Edges m_placeUsers;
     Edges m_predicateUsers;
+    std::vector<uint32_t> m_seen; ///< the last walk that passed each node
+    uint32_t m_walk = 0;
+    int64_t m_selectorBudget = 20'000'000;
 };
 
 void CheckPorts(Description& description) {

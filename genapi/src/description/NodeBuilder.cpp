@@ -40,23 +40,6 @@ bool IsYes(std::string_view text) {
     return EqualIgnoringCase(text, "Yes");
 }
 
-template <class EnumClass, class Enum>
-bool Read(std::string_view text, Enum& value) {
-    return EnumClass::FromString(GENICAM_NAMESPACE::gcstring(text.data(), text.size()), &value);
-}
-
-EAccessMode ReadMode(std::string_view text, EAccessMode fallback) {
-    if (EqualIgnoringCase(text, "R") || EqualIgnoringCase(text, "RO"))
-        return RO;
-    if (EqualIgnoringCase(text, "W") || EqualIgnoringCase(text, "WO"))
-        return WO;
-    return EqualIgnoringCase(text, "RW") ? RW : fallback;
-}
-
-std::string Quoted(std::string_view text) {
-    return "'" + std::string(text.substr(0, 100)) + "'";
-}
-
 } // namespace
 
 void NodeBuilder::Build(NodeIndex index) {
@@ -87,7 +70,7 @@ void NodeBuilder::BuildCommonElement(const Element& element) {
     const std::string_view name = element.name;
     if (name == "Visibility" || name == "ImposedVisibility") {
         EVisibility visibility = Beginner;
-        if (Read<EVisibilityClass>(element.text, visibility))
+        if (ReadEnum<EVisibilityClass>(element.text, visibility))
             node.visibility = Combine(node.visibility, visibility);
     } else if (name == "ImposedAccessMode") {
         node.imposedMode = ReadMode(element.text, RW);
@@ -102,23 +85,23 @@ void NodeBuilder::BuildCommonElement(const Element& element) {
         node.hasEvent = id.has_value();
         node.eventId = id.value_or(0);
     } else if (name == "pIsImplemented") {
-        node.implemented = Optional(element);
+        node.implemented = m_reader.Find(element);
     } else if (name == "pIsAvailable") {
-        node.available = Optional(element);
+        node.available = m_reader.Find(element);
     } else if (name == "pIsLocked") {
-        node.locked = Optional(element);
+        node.locked = m_reader.Find(element);
     } else if (name == "pBlockPolling") {
-        node.blockPolling = Optional(element);
+        node.blockPolling = m_reader.Find(element);
     } else if (name == "pAlias") {
-        node.alias = Optional(element);
+        node.alias = m_reader.Find(element);
     } else if (name == "pCastAlias") {
-        node.castAlias = Optional(element);
+        node.castAlias = m_reader.Find(element);
     } else if (name == "pError") {
-        if (Optional(element) != kNoNode)
-            node.errors.push_back(Optional(element));
+        if (m_reader.Find(element) != kNoNode)
+            node.errors.push_back(m_reader.Find(element));
     } else if (name == "pSelected") {
-        if (Optional(element) != kNoNode)
-            node.selected.push_back(Optional(element));
+        if (m_reader.Find(element) != kNoNode)
+            node.selected.push_back(m_reader.Find(element));
     }
 }
 
@@ -192,82 +175,8 @@ void NodeBuilder::BuildByType() {
 
 void NodeBuilder::BuildRegister(ValueKind kind) {
     m_node->kind = kind;
-    m_node->reg = std::make_unique<RegisterPart>();
-    m_node->reg->masked = m_node->type == NodeType::MaskedIntReg;
-    if (m_node->type == NodeType::FloatReg)
-        m_node->reg->caching = WriteAround;
-    m_node->reg->lsb = m_node->reg->msb = -1;
-    for (const Element& element : m_source->elements)
-        BuildRegisterElement(element);
+    m_node->reg = BuildRegisterPart(m_reader, *m_source, m_node->type);
     m_node->caching = m_node->reg->caching;
-    CheckRegister();
-}
-
-void NodeBuilder::BuildRegisterElement(const Element& element) {
-    RegisterPart& reg = *m_node->reg;
-    const std::string_view name = element.name;
-    if (name == "Address") {
-        reg.address = static_cast<int64_t>(static_cast<uint64_t>(reg.address) +
-                                           static_cast<uint64_t>(Integer(element)));
-    } else if (name == "pAddress" || name == "pIndex") {
-        reg.terms.push_back(BuildTerm(element));
-    } else if (name == "Length") {
-        reg.length = Integer(element);
-    } else if (name == "pLength") {
-        reg.lengthNode = Require(element);
-    } else if (name == "pPort") {
-        reg.port = Require(element);
-    } else if (name == "AccessMode") {
-        reg.mode = ReadMode(element.text, RO);
-    } else if (name == "Cachable") {
-        Read<ECachingModeClass>(element.text, reg.caching);
-    } else if (name == "Endianess") {
-        reg.littleEndian = !EqualIgnoringCase(element.text, "BigEndian");
-    } else if (name == "Sign") {
-        reg.isSigned = EqualIgnoringCase(element.text, "Signed");
-    } else if (name == "Bit") {
-        reg.lsb = reg.msb = Integer(element);
-    } else if (name == "LSB") {
-        reg.lsb = Integer(element);
-    } else if (name == "MSB") {
-        reg.msb = Integer(element);
-    }
-}
-
-AddressTerm NodeBuilder::BuildTerm(const Element& element) {
-    AddressTerm term;
-    term.node = Require(element);
-    if (element.name == "pAddress")
-        return term;
-    term.factor = AddressTerm::Factor::Length;
-    if (element.attributeName == "Offset") {
-        const auto offset = ParseInteger(element.attribute);
-        if (!offset)
-            throw Unbuildable("the Offset " + Quoted(element.attribute) + " is no number");
-        term.factor = AddressTerm::Factor::Constant;
-        term.offset = *offset;
-    } else if (element.attributeName == "pOffset") {
-        term.factor = AddressTerm::Factor::Node;
-        term.offsetNode = m_description.Find(element.attribute);
-        if (term.offsetNode == kNoNode)
-            throw Unbuildable("pOffset " + Quoted(element.attribute) + " does not exist");
-    }
-    return term;
-}
-
-void NodeBuilder::CheckRegister() {
-    const RegisterPart& reg = *m_node->reg;
-    if (reg.port == kNoNode)
-        throw Unbuildable("it has no pPort");
-    if (reg.lengthNode != kNoNode)
-        return;
-    const bool isFloat = m_node->type == NodeType::FloatReg;
-    const bool isInteger = m_node->type == NodeType::IntReg || m_node->type == NodeType::MaskedIntReg;
-    if (reg.length <= 0 || (isInteger && reg.length > 8) || (isFloat && reg.length != 4 && reg.length != 8))
-        throw Unbuildable("a Length of " + std::to_string(reg.length) + " is impossible");
-    if (reg.masked && (reg.lsb < 0 || reg.msb < 0 || reg.lsb >= 8 * reg.length || reg.msb >= 8 * reg.length))
-        throw Unbuildable("bits " + std::to_string(reg.lsb) + " to " + std::to_string(reg.msb) +
-                          " lie outside the register");
 }
 
 void NodeBuilder::BuildSource(ValueKind kind) {
@@ -293,13 +202,13 @@ void NodeBuilder::BuildSourceElement(const Element& element) {
         else if (EqualIgnoringCase(element.text, "true") || EqualIgnoringCase(element.text, "false"))
             source.initial = Number::Of(int64_t{EqualIgnoringCase(element.text, "true")});
         else
-            source.initial = AnyNumber(element);
+            source.initial = m_reader.AnyNumber(element);
     } else if (name == "pValue") {
-        source.node = Require(element);
+        source.node = m_reader.Require(element);
     } else if (name == "pValueCopy") {
-        source.copies.push_back(Require(element));
+        source.copies.push_back(m_reader.Require(element));
     } else if (name == "pIndex") {
-        source.index = Require(element);
+        source.index = m_reader.Require(element);
     } else if (name == "ValueIndexed" || name == "pValueIndexed") {
         source.entries.push_back(BuildTableEntry(element));
     } else if (name == "ValueDefault" || name == "pValueDefault") {
@@ -316,20 +225,20 @@ TableEntry NodeBuilder::BuildTableEntry(const Element& element) {
         entry.index = *index;
     }
     if (element.name[0] == 'p') {
-        entry.node = Require(element);
+        entry.node = m_reader.Require(element);
         return entry;
     }
     entry.slot = static_cast<uint32_t>(m_description.tableValues.size());
-    m_description.tableValues.push_back(AnyNumber(element));
+    m_description.tableValues.push_back(m_reader.AnyNumber(element));
     return entry;
 }
 
 void NodeBuilder::SetNumber(NumberSource& source, const Element& element) const {
     source.given = true;
     if (element.name[0] == 'p')
-        source.node = Require(element);
+        source.node = m_reader.Require(element);
     else
-        source.constant = AnyNumber(element);
+        source.constant = m_reader.AnyNumber(element);
 }
 
 void NodeBuilder::BuildLimits() {
@@ -362,11 +271,11 @@ void NodeBuilder::BuildDisplay() {
             display.unit = element.text;
         } else if (element.name == "Representation") {
             ERepresentation representation = PureNumber;
-            if (Read<ERepresentationClass>(element.text, representation))
+            if (ReadEnum<ERepresentationClass>(element.text, representation))
                 display.representation = representation;
         } else if (element.name == "DisplayNotation") {
             EDisplayNotation notation = fnAutomatic;
-            if (Read<EDisplayNotationClass>(element.text, notation))
+            if (ReadEnum<EDisplayNotationClass>(element.text, notation))
                 display.notation = notation;
         } else if (element.name == "DisplayPrecision") {
             display.precision = ParseInteger(element.text);
@@ -380,9 +289,9 @@ void NodeBuilder::BuildFormulaTarget() {
     m_node->formula = std::make_unique<FormulaPart>();
     for (const Element& element : m_source->elements) {
         if (element.name == "pValue")
-            m_node->formula->node = Require(element);
+            m_node->formula->node = m_reader.Require(element);
         else if (element.name == "Slope")
-            Read<ESlopeClass>(element.text, m_node->formula->slope);
+            ReadEnum<ESlopeClass>(element.text, m_node->formula->slope);
     }
     const bool converts = m_node->type == NodeType::Converter || m_node->type == NodeType::IntConverter;
     if (converts && m_node->formula->node == kNoNode)
@@ -393,9 +302,9 @@ void NodeBuilder::BuildSwitch() {
     m_node->onOff = std::make_unique<SwitchPart>();
     for (const Element& element : m_source->elements) {
         if (element.name == "OnValue")
-            m_node->onOff->on = Integer(element);
+            m_node->onOff->on = m_reader.Integer(element);
         else if (element.name == "OffValue")
-            m_node->onOff->off = Integer(element);
+            m_node->onOff->off = m_reader.Integer(element);
         else
             continue;
         m_node->onOff->given = true;
@@ -406,16 +315,17 @@ void NodeBuilder::BuildCommand() {
     m_node->onOff = std::make_unique<SwitchPart>();
     for (const Element& element : m_source->elements) {
         if (element.name == "CommandValue")
-            m_node->onOff->on = Integer(element);
+            m_node->onOff->on = m_reader.Integer(element);
         else if (element.name == "pCommandValue")
-            m_node->commandValue = Require(element);
+            m_node->commandValue = m_reader.Require(element);
     }
 }
 
 void NodeBuilder::BuildEnumeration() {
     for (const Element& element : m_source->elements)
-        if ((element.name == "EnumEntry" || element.name == "pEnumEntry") && Optional(element) != kNoNode)
-            m_node->entries.push_back(Optional(element));
+        if ((element.name == "EnumEntry" || element.name == "pEnumEntry") &&
+            m_reader.Find(element) != kNoNode)
+            m_node->entries.push_back(m_reader.Find(element));
 }
 
 void NodeBuilder::BuildEntry() {
@@ -425,7 +335,7 @@ void NodeBuilder::BuildEntry() {
     bool given = false;
     for (const Element& element : m_source->elements) {
         if (element.name == "Value") {
-            entry.value = Integer(element);
+            entry.value = m_reader.Integer(element);
             given = true;
         } else if (element.name == "NumericValue") {
             numeric = ParseFloat(element.text);
@@ -457,30 +367,8 @@ void NodeBuilder::BuildPort() {
 
 void NodeBuilder::BuildCategory() {
     for (const Element& element : m_source->elements)
-        if (element.name == "pFeature" && Optional(element) != kNoNode)
-            m_node->features.push_back(Optional(element));
-}
-
-NodeIndex NodeBuilder::Optional(const Element& element) const {
-    return m_description.Find(element.text);
-}
-
-NodeIndex NodeBuilder::Require(const Element& element) const {
-    const NodeIndex target = m_description.Find(element.text);
-    if (target == kNoNode)
-        throw Unbuildable(std::string(element.name) + " " + Quoted(element.text) + " does not exist");
-    return target;
-}
-
-int64_t NodeBuilder::Integer(const Element& element) const {
-    return AnyNumber(element).AsInteger();
-}
-
-Number NodeBuilder::AnyNumber(const Element& element) const {
-    const auto number = ParseNumber(element.text);
-    if (!number)
-        throw Unbuildable("the " + std::string(element.name) + " " + Quoted(element.text) + " is no number");
-    return *number;
+        if (element.name == "pFeature" && m_reader.Find(element) != kNoNode)
+            m_node->features.push_back(m_reader.Find(element));
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "genapi/src/description/Description.h"
-
-#include <stdexcept>
+#include "genapi/src/description/ElementReader.h"
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -10,23 +8,15 @@ namespace GENAPI_NAMESPACE::inside {
 /// yet: what needs that is left to the formula stage.
 class NodeBuilder {
 public:
-    explicit NodeBuilder(Description& description) : m_description(description) {}
+    explicit NodeBuilder(Description& description) : m_description(description), m_reader(description) {}
 
     void Build(NodeIndex index);
 
 private:
-    /// Why this one node can't be built.
-    class Unbuildable : public std::runtime_error {
-    public:
-        using std::runtime_error::runtime_error;
-    };
-
     void BuildCommon();
     void BuildCommonElement(const Element& element);
     void BuildByType();
     void BuildRegister(ValueKind kind);
-    void BuildRegisterElement(const Element& element);
-    void CheckRegister();
     void BuildSource(ValueKind kind);
     void BuildSourceElement(const Element& element);
     TableEntry BuildTableEntry(const Element& element);
@@ -39,15 +29,10 @@ private:
     void BuildEntry();
     void BuildPort();
     void BuildCategory();
-    AddressTerm BuildTerm(const Element& element);
-
-    NodeIndex Require(const Element& element) const;
-    NodeIndex Optional(const Element& element) const;
-    int64_t Integer(const Element& element) const;
-    Number AnyNumber(const Element& element) const;
     void SetNumber(NumberSource& source, const Element& element) const;
 
     Description& m_description;
+    ElementReader m_reader;
     NodeDescription* m_node = nullptr;
     const SourceNode* m_source = nullptr;
 };

@@ -1,0 +1,31 @@
+#include "genapi/src/description/ElementReader.h"
+
+namespace GENAPI_NAMESPACE::inside {
+
+NodeIndex ElementReader::Require(const Element& element) const {
+    const NodeIndex target = Find(element);
+    if (target == kNoNode)
+        throw Unbuildable(std::string(element.name) + " " + Quoted(element.text) + " does not exist");
+    return target;
+}
+
+Number ElementReader::AnyNumber(const Element& element) const {
+    const auto number = ParseNumber(element.text);
+    if (!number)
+        throw Unbuildable("the " + std::string(element.name) + " " + Quoted(element.text) + " is no number");
+    return *number;
+}
+
+EAccessMode ReadMode(std::string_view text, EAccessMode fallback) {
+    if (EqualIgnoringCase(text, "R") || EqualIgnoringCase(text, "RO"))
+        return RO;
+    if (EqualIgnoringCase(text, "W") || EqualIgnoringCase(text, "WO"))
+        return WO;
+    return EqualIgnoringCase(text, "RW") ? RW : fallback;
+}
+
+std::string Quoted(std::string_view text) {
+    return "'" + std::string(text.substr(0, 100)) + "'";
+}
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,105 @@
+#include "genapi/src/description/ElementReader.h"
+
+#include <GenApi/EnumClasses.h>
+
+namespace GENAPI_NAMESPACE::inside {
+
+namespace {
+
+class RegisterBuilder {
+public:
+    RegisterBuilder(const ElementReader& reader, RegisterPart& reg) : m_reader(reader), m_reg(reg) {}
+
+    void Read(const Element& element) {
+        const std::string_view name = element.name;
+        if (name == "Address")
+            m_reg.address = static_cast<int64_t>(static_cast<uint64_t>(m_reg.address) +
+                                                 static_cast<uint64_t>(m_reader.Integer(element)));
+        else if (name == "pAddress" || name == "pIndex")
+            m_reg.terms.push_back(Term(element));
+        else if (name == "Length")
+            m_reg.length = m_reader.Integer(element);
+        else if (name == "pLength")
+            m_reg.lengthNode = m_reader.Require(element);
+        else if (name == "pPort")
+            m_reg.port = m_reader.Require(element);
+        else if (name == "AccessMode")
+            m_reg.mode = ReadMode(element.text, RO);
+        else if (name == "Cachable")
+            ReadEnum<ECachingModeClass>(element.text, m_reg.caching);
+        else
+            ReadBits(element);
+    }
+
+    void Check(NodeType type) const {
+        if (m_reg.port == kNoNode)
+            throw Unbuildable("it has no pPort");
+        if (m_reg.lengthNode != kNoNode)
+            return;
+        const bool isFloat = type == NodeType::FloatReg;
+        const bool isInteger = type == NodeType::IntReg || type == NodeType::MaskedIntReg;
+        const int64_t length = m_reg.length;
+        if (length <= 0 || (isInteger && length > 8) || (isFloat && length != 4 && length != 8))
+            throw Unbuildable("a Length of " + std::to_string(length) + " is impossible");
+        const auto isOutside = [length](int64_t bit) { return bit < 0 || bit >= 8 * length; };
+        if (m_reg.masked && (isOutside(m_reg.lsb) || isOutside(m_reg.msb)))
+            throw Unbuildable("bits " + std::to_string(m_reg.lsb) + " to " + std::to_string(m_reg.msb) +
+                              " lie outside the register");
+    }
+
+private:
+    void ReadBits(const Element& element) {
+        const std::string_view name = element.name;
+        if (name == "Endianess")
+            m_reg.littleEndian = !EqualIgnoringCase(element.text, "BigEndian");
+        else if (name == "Sign")
+            m_reg.isSigned = EqualIgnoringCase(element.text, "Signed");
+        else if (name == "Bit")
+            m_reg.lsb = m_reg.msb = m_reader.Integer(element);
+        else if (name == "LSB")
+            m_reg.lsb = m_reader.Integer(element);
+        else if (name == "MSB")
+            m_reg.msb = m_reader.Integer(element);
+    }
+
+    AddressTerm Term(const Element& element) const {
+        AddressTerm term;
+        term.node = m_reader.Require(element);
+        if (element.name == "pAddress")
+            return term;
+        term.factor = AddressTerm::Factor::Length;
+        if (element.attributeName == "Offset") {
+            const auto offset = ParseInteger(element.attribute);
+            if (!offset)
+                throw Unbuildable("the Offset " + Quoted(element.attribute) + " is no number");
+            term.factor = AddressTerm::Factor::Constant;
+            term.offset = *offset;
+        } else if (element.attributeName == "pOffset") {
+            term.factor = AddressTerm::Factor::Node;
+            term.offsetNode = m_reader.FindByName(element.attribute);
+            if (term.offsetNode == kNoNode)
+                throw Unbuildable("pOffset " + Quoted(element.attribute) + " does not exist");
+        }
+        return term;
+    }
+
+    const ElementReader& m_reader;
+    RegisterPart& m_reg;
+};
+
+} // namespace
+
+std::unique_ptr<RegisterPart> BuildRegisterPart(const ElementReader& reader, const SourceNode& source,
+                                                NodeType type) {
+    auto reg = std::make_unique<RegisterPart>();
+    reg->masked = type == NodeType::MaskedIntReg;
+    reg->caching = type == NodeType::FloatReg ? WriteAround : WriteThrough;
+    reg->lsb = reg->msb = -1;
+    RegisterBuilder builder(reader, *reg);
+    for (const Element& element : source.elements)
+        builder.Read(element);
+    builder.Check(type);
+    return reg;
+}
+
+} // namespace GENAPI_NAMESPACE::inside
