@@ -1,9 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <fstream>
 #include <string>
 #include <thread>
+
+#include <unistd.h>
 
 #include "ZqApi_TL/InsideInterfaces.h"
 #include "tests/unit/ZqApi_TL/LoadedProducer.h"
@@ -13,6 +17,41 @@ namespace ZqTest {
 
 constexpr auto ReturnNull = ZqTimeoutHandling_ReturnNull;
 constexpr auto ThrowException = ZqTimeoutHandling_ThrowException;
+
+/// A thread of which a test can tell that it sleeps.
+class SleepyThread {
+public:
+    template <class Body>
+    explicit SleepyThread(Body body)
+        : m_Thread([this, body] {
+              m_Id = gettid();
+              body();
+              m_Ended = true;
+          }) {}
+    ~SleepyThread() { m_Thread.join(); }
+    SleepyThread(const SleepyThread&) = delete;
+    SleepyThread& operator=(const SleepyThread&) = delete;
+
+    bool HasEnded() const { return m_Ended; }
+    /// Returns once the thread sleeps or has ended.
+    void WaitUntilAsleep() const {
+        while (!m_Ended && !(m_Id != 0 && State() == 'S'))
+            std::this_thread::yield();
+    }
+
+private:
+    char State() const {
+        std::ifstream file("/proc/self/task/" + std::to_string(m_Id) + "/stat");
+        std::string text;
+        std::getline(file, text);
+        const size_t at = text.rfind(") ");
+        return at == std::string::npos ? '\0' : text[at + 2];
+    }
+
+    std::atomic<pid_t> m_Id{0};
+    std::atomic<bool> m_Ended{false};
+    std::thread m_Thread;
+};
 
 /// A system, its first device and that device's first stream, not started.
 class OpenedStream : public OpenedDevice {
