@@ -20,10 +20,12 @@ void CZqDataStream::StartAcquisition(uint64_t count, ACQ_START_FLAGS flags) {
         return;
     if (m_pIZqDeviceInside->IsDeviceLost())
         throw ReportError<GenICam::AccessException>(UNIT, __LINE__, "The device is lost.");
-    if (m_pNewBuffer)
+    if (m_Acquisition.thread)
         return;
+    std::shared_ptr<CEventObject> stopped;
     try {
         ConvertBadAlloc(UNIT, __LINE__, [&] {
+            stopped = std::make_shared<CEventObject>(nullptr, true, false, nullptr);
             StartNewBufferThread();
             const size_t keptCount = m_Pool.Size();
             AllocateBuffers();
@@ -40,14 +42,15 @@ void CZqDataStream::StartAcquisition(uint64_t count, ACQ_START_FLAGS flags) {
         throw;
     }
     m_nDelivered = 0;
-    m_StopEvent.ResetEvent();
+    const GenApi::AutoLock lock(m_Delivered.GetLock());
+    m_Acquisition.stopped.swap(stopped);
 }
 
 void CZqDataStream::StartNewBufferThread() {
     auto thread = std::make_shared<CZqEventNewBuffer>(m_pCZqGenTL, m_hDataStream, "ZqApi_TL_EventNewBuffer");
     {
         const GenApi::AutoLock lock(m_Delivered.GetLock());
-        m_pNewBuffer = thread;
+        m_Acquisition.thread = thread;
     }
     thread->Start();
 }
@@ -78,16 +81,21 @@ void CZqDataStream::QueueKeptBuffers(size_t keptCount) {
     // Frames delivered before the last stop and never retrieved, or dropped by the producer with its event,
     // left these buffers with nobody.
     for (size_t index = 0; index < keptCount && index < m_Pool.Size(); ++index) {
-        CZqStreamBuffer* const buffer = m_Pool.Buffers()[index];
-        bool known = false;
-        if (buffer->IsLent() || IsQueued(*buffer, known))
-            continue;
-        try {
-            QueueBuffer(buffer);
-        } catch (const CZqGenTLErrorException& error) {
-            if (known || error.GetError() != GC_ERR_RESOURCE_IN_USE)
-                throw;
-        }
+        const CZqStreamBuffer& buffer = *m_Pool.Buffers()[index];
+        // A buffer that the application hands in just now must not be queued twice.
+        m_Pool.WithoutHandIn([&] { QueueUnlessBusy(buffer); });
+    }
+}
+
+void CZqDataStream::QueueUnlessBusy(const CZqStreamBuffer& buffer) {
+    bool known = false;
+    if (buffer.IsLent() || IsQueued(buffer, known))
+        return;
+    try {
+        QueueToProducer(buffer);
+    } catch (const CZqGenTLErrorException& error) {
+        if (known || error.GetError() != GC_ERR_RESOURCE_IN_USE)
+            throw;
     }
 }
 
@@ -101,7 +109,7 @@ void CZqDataStream::DropNewBufferThread() {
     std::shared_ptr<CZqEventNewBuffer> thread;
     {
         const GenApi::AutoLock lock(m_Delivered.GetLock());
-        thread.swap(m_pNewBuffer);
+        thread.swap(m_Acquisition.thread);
     }
     if (!thread)
         return;
@@ -118,9 +126,9 @@ void CZqDataStream::StopAcquisition(ACQ_STOP_FLAGS flags) {
 }
 
 void CZqDataStream::StopGrabbing(ACQ_STOP_FLAGS flags) {
-    if (!m_pNewBuffer)
+    if (!m_Acquisition.thread)
         return;
-    m_StopEvent.SetEvent();
+    m_Acquisition.stopped->SetEvent();
     const GC_ERROR result = CallProducer(m_pCZqGenTL->DSStopAcquisition, m_hDataStream, flags);
     if (result == GC_ERR_SUCCESS) {
         DropNewBufferThread();

@@ -1,6 +1,6 @@
 #include <algorithm>
+#include <thread>
 
-#include "ZqApi_TL/Teardown.h"
 #include "ZqApi_TL/ZqDataStream.h"
 #include "ZqGenTLCommon/ZqGenTLError.h"
 
@@ -29,12 +29,15 @@ void CZqDataStream::QueueBuffer(IZqStreamBuffer* pBuffer) {
         return;
     auto* const pIZqStreamBufferInside = dynamic_cast<IZqStreamBufferInside*>(pBuffer);
     ZQ_ASSERT(UNIT, (pIZqStreamBufferInside) != NULL);
-    m_Pool.HandIn(static_cast<CZqStreamBuffer*>(pIZqStreamBufferInside), [&] {
-        const BUFFER_HANDLE hBuffer = pIZqStreamBufferInside->GetBufferHandle();
-        const GC_ERROR result = CallProducer(m_pCZqGenTL->DSQueueBuffer, m_hDataStream, hBuffer);
-        CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSQueueBuffer", "%d = DSQueueBuffer(0x%p, 0x%p)",
-                      result, m_hDataStream, hBuffer);
-    });
+    auto* const pCZqStreamBuffer = static_cast<CZqStreamBuffer*>(pIZqStreamBufferInside);
+    m_Pool.HandIn(pCZqStreamBuffer, [&] { QueueToProducer(*pCZqStreamBuffer); });
+}
+
+void CZqDataStream::QueueToProducer(const CZqStreamBuffer& buffer) {
+    const BUFFER_HANDLE hBuffer = buffer.GetBufferHandle();
+    const GC_ERROR result = CallProducer(m_pCZqGenTL->DSQueueBuffer, m_hDataStream, hBuffer);
+    CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSQueueBuffer", "%d = DSQueueBuffer(0x%p, 0x%p)",
+                  result, m_hDataStream, hBuffer);
 }
 
 void CZqDataStream::FlushQueue(ACQ_QUEUE_TYPE mode) {
@@ -66,21 +69,22 @@ void CZqDataStream::AllocateBuffers() {
     m_Delivered.Clear();
     if (MustReplacePool(payloadSize)) {
         // The thread may have fetched an event for a buffer that is about to go.
-        m_pNewBuffer->Stop();
+        m_Acquisition.thread->Stop();
         DeallocateBuffers();
-        m_pNewBuffer->Start();
+        m_Acquisition.thread->Start();
     }
-    ConvertBadAlloc(UNIT, __LINE__, [&] { m_Delivered.Reserve(count); });
+    m_Delivered.Reserve(count);
+    m_Pool.Reserve(count);
     while (m_Pool.Size() < count)
         m_Pool.Add(payloadSize);
 }
 
 void CZqDataStream::DeallocateBuffers() {
     m_Delivered.Clear();
-    Teardown steps;
-    steps.Run([this] { FlushQueue(ACQ_QUEUE_ALL_DISCARD); });
-    steps.Run([this] { m_Pool.DeregisterAll(); });
-    steps.RethrowFirst();
+    // No new one can begin: the queue is empty and its thread does not run.
+    while (m_nHandingOut.load() != 0)
+        std::this_thread::yield();
+    m_Pool.DeregisterAll([this] { FlushQueue(ACQ_QUEUE_ALL_DISCARD); });
 }
 
 } // namespace ZqApi

@@ -13,13 +13,13 @@ constexpr const char* UNIT = "ZqApi_TL/ZqDataStream";
 
 using Clock = std::chrono::steady_clock;
 
-/// Counts a reader in and out, so that a release can wait for it.
-class ReaderInside {
+/// Counts a reader out again, so that who tears something down can wait for it.
+class CountedOut {
 public:
-    explicit ReaderInside(std::atomic<int>& count) : m_Count(count) { ++m_Count; }
-    ~ReaderInside() { --m_Count; }
-    ReaderInside(const ReaderInside&) = delete;
-    ReaderInside& operator=(const ReaderInside&) = delete;
+    explicit CountedOut(std::atomic<int>& count) : m_Count(count) {}
+    ~CountedOut() { --m_Count; }
+    CountedOut(const CountedOut&) = delete;
+    CountedOut& operator=(const CountedOut&) = delete;
 
 private:
     std::atomic<int>& m_Count;
@@ -50,31 +50,35 @@ enum Handle : size_t { FILLED, STOPPED, THREAD_ERROR, DEVICE_LOST, HANDLE_COUNT 
 
 } // namespace
 
-CZqStreamBuffer* CZqDataStream::TakeDelivered(std::shared_ptr<CZqEventNewBuffer>& thread) {
+CZqStreamBuffer* CZqDataStream::TakeDelivered(Acquisition& acquisition) {
     const GenApi::AutoLock lock(m_Delivered.GetLock());
     CZqStreamBuffer* const pBuffer = m_Delivered.TakeFront();
-    if (pBuffer != nullptr)
+    if (pBuffer != nullptr) {
         pBuffer->SetLent(true);
-    else
-        thread = m_pNewBuffer;
+        ++m_nHandingOut;
+    } else {
+        acquisition = m_Acquisition;
+    }
     return pBuffer;
 }
 
 IZqStreamBufferReleasable* CZqDataStream::RetrieveBuffer(uint32_t timeoutMs, EZqTimeoutHandling_t handling) {
-    const ReaderInside inside(m_nReaders);
+    ++m_nReaders;
+    const CountedOut inside(m_nReaders);
     const Remaining remaining(timeoutMs);
     for (;;) {
         if (m_bReleasing)
             return nullptr;
-        std::shared_ptr<CZqEventNewBuffer> thread;
-        if (CZqStreamBuffer* const pBuffer = TakeDelivered(thread)) {
+        Acquisition acquisition;
+        if (CZqStreamBuffer* const pBuffer = TakeDelivered(acquisition)) {
+            const CountedOut handingOut(m_nHandingOut);
             AttachChunks(*pBuffer);
             return pBuffer;
         }
         CEventObject* handles[HANDLE_COUNT] = {};
         handles[FILLED] = &m_Delivered.GetFilledEvent();
-        handles[STOPPED] = &m_StopEvent;
-        handles[THREAD_ERROR] = thread ? &thread->GetErrorEvent() : nullptr;
+        handles[STOPPED] = acquisition.stopped.get();
+        handles[THREAD_ERROR] = acquisition.thread ? &acquisition.thread->GetErrorEvent() : nullptr;
         handles[DEVICE_LOST] = m_pDeviceLostEvent.get();
         const uint32_t waitMs = remaining.Milliseconds();
         const WaitResult result = WaitMultiple(HANDLE_COUNT, handles, false, waitMs);
@@ -95,7 +99,7 @@ IZqStreamBufferReleasable* CZqDataStream::RetrieveBuffer(uint32_t timeoutMs, EZq
             return nullptr;
         if (result.index == DEVICE_LOST)
             throw ReportError<GenICam::AccessException>(UNIT, __LINE__, "The device is lost.");
-        ThrowThreadError(*thread);
+        ThrowThreadError(*acquisition.thread);
         return nullptr;
     }
 }
@@ -118,7 +122,7 @@ void CZqDataStream::AttachChunks(CZqStreamBuffer& buffer) {
         const size_t payloadType = buffer.GetInfo().GetPayloadType();
         if (payloadType == PAYLOAD_TYPE_CHUNK_DATA || payloadType == PAYLOAD_TYPE_CHUNK_ONLY)
             buffer.AttachChunkBuffer();
-    } catch (const GenICam::GenericException&) {
+    } catch (const std::exception&) {
         // What can't be read as chunk data is a frame all the same.
         buffer.DetachChunkBuffer();
     }

@@ -1,9 +1,8 @@
 #include "ZqApi_TL/StreamBufferPool.h"
 
 #include <algorithm>
-#include <mutex>
+#include <utility>
 
-#include "ZqApi_TL/Teardown.h"
 #include "ZqSDKCommon/Error.h"
 
 namespace ZqApi {
@@ -54,65 +53,84 @@ void StreamBufferPool::Add(size_t payloadSize) {
 CZqStreamBuffer* StreamBufferPool::Register(void* pBuffer, size_t size, void* pContext, size_t index) {
     return ConvertBadAlloc(UNIT, __LINE__, [&] {
         // Room first, so that nothing can fail between announcing a buffer and keeping it.
-        m_Buffers.reserve(m_Buffers.size() + 1);
-        m_Orphans.reserve(m_Orphans.size() + m_Buffers.size() + 1);
-        m_HeldMemory.reserve(m_HeldMemory.size() + m_Buffers.size() + 1);
+        Reserve(m_Buffers.size() + 1);
         m_Buffers.push_back(
             new CZqStreamBuffer(m_pCZqGenTL, m_pIZqDataStreamInside, pBuffer, size, pContext, index));
         return m_Buffers.back();
     });
 }
 
+void StreamBufferPool::Reserve(size_t count) {
+    const std::lock_guard<std::shared_mutex> lock(m_Gate);
+    m_Buffers.reserve(count);
+    m_Orphans.reserve(m_Orphans.size() + count);
+    m_HeldMemory.reserve(m_HeldMemory.size() + count);
+}
+
 void StreamBufferPool::Deregister(CZqStreamBuffer* pBuffer) {
-    std::unique_ptr<CZqStreamBuffer> owned;
-    {
-        const std::lock_guard<std::shared_mutex> lock(m_Gate);
-        const auto position = std::find(m_Buffers.begin(), m_Buffers.end(), pBuffer);
-        if (position == m_Buffers.end())
-            return;
-        m_Buffers.erase(position);
-        if (pBuffer->IsLent())
-            m_Orphans.emplace_back(pBuffer);
-        else
-            owned.reset(pBuffer);
-    }
+    if (TakeOut(pBuffer))
+        Dismiss(pBuffer);
+}
+
+bool StreamBufferPool::TakeOut(CZqStreamBuffer* pBuffer) {
+    const std::lock_guard<std::shared_mutex> lock(m_Gate);
+    const auto position = std::find(m_Buffers.begin(), m_Buffers.end(), pBuffer);
+    if (position == m_Buffers.end())
+        return false;
+    m_Buffers.erase(position);
+    pBuffer->SetPlace(CZqStreamBuffer::Place::Leaving);
+    return true;
+}
+
+std::vector<CZqStreamBuffer*> StreamBufferPool::TakeAllOut() {
+    const std::lock_guard<std::shared_mutex> lock(m_Gate);
+    for (CZqStreamBuffer* const pBuffer : m_Buffers)
+        pBuffer->SetPlace(CZqStreamBuffer::Place::Leaving);
+    return std::exchange(m_Buffers, {});
+}
+
+void StreamBufferPool::Dismiss(CZqStreamBuffer* pBuffer) {
     const Memory memory{pBuffer->GetBufferAddress(), pBuffer->GetAnnouncedSize(), pBuffer->GetUserContext()};
-    Teardown revoke;
+    Teardown steps;
     bool revoked = false;
-    revoke.Run([&] {
+    steps.Run([&] {
         pBuffer->DeleteInsideObjects();
         revoked = true;
     });
     if (revoked)
-        Deallocate(memory);
+        steps.Run([&] { Deallocate(memory); });
     else
         m_HeldMemory.push_back(memory);
-    revoke.RethrowFirst();
-}
-
-void StreamBufferPool::DeregisterAll() {
-    Teardown steps;
-    while (!m_Buffers.empty())
-        steps.Run([this] { Deregister(m_Buffers.front()); });
+    Settle(pBuffer);
     steps.RethrowFirst();
 }
 
-bool StreamBufferPool::IsOrphan(const CZqStreamBuffer* pBuffer) const {
-    return std::any_of(
-        m_Orphans.begin(), m_Orphans.end(),
-        [pBuffer](const std::unique_ptr<CZqStreamBuffer>& orphan) { return orphan.get() == pBuffer; });
+void StreamBufferPool::Settle(CZqStreamBuffer* pBuffer) {
+    std::unique_ptr<CZqStreamBuffer> doomed(pBuffer);
+    const std::lock_guard<std::shared_mutex> lock(m_Gate);
+    pBuffer->SetPlace(CZqStreamBuffer::Place::Outside);
+    if (pBuffer->IsLent())
+        m_Orphans.push_back(std::move(doomed));
 }
 
-void StreamBufferPool::DeleteOrphan(CZqStreamBuffer* pBuffer) {
+void StreamBufferPool::HandInDismissed(CZqStreamBuffer* pBuffer) {
     std::unique_ptr<CZqStreamBuffer> doomed;
     const std::lock_guard<std::shared_mutex> lock(m_Gate);
+    pBuffer->SetLent(false);
+    // One that is still being revoked is destroyed by who revokes it.
+    if (pBuffer->GetPlace() == CZqStreamBuffer::Place::Outside)
+        doomed = TakeOrphan(pBuffer);
+}
+
+std::unique_ptr<CZqStreamBuffer> StreamBufferPool::TakeOrphan(const CZqStreamBuffer* pBuffer) {
     const auto position = std::find_if(
         m_Orphans.begin(), m_Orphans.end(),
         [pBuffer](const std::unique_ptr<CZqStreamBuffer>& orphan) { return orphan.get() == pBuffer; });
     if (position == m_Orphans.end())
-        return;
-    doomed = std::move(*position);
+        return nullptr;
+    std::unique_ptr<CZqStreamBuffer> orphan = std::move(*position);
     m_Orphans.erase(position);
+    return orphan;
 }
 
 void StreamBufferPool::OnStreamClosed() {

@@ -25,6 +25,7 @@ CZqDataStream::CZqDataStream(CZqGenTLLib* pGenTL, IZqDeviceInside* pDevice, DS_H
 }
 
 void CZqDataStream::Construct() {
+    m_Acquisition.stopped = std::make_shared<CEventObject>(nullptr, true, true, nullptr);
     const gcstring deviceID = m_pIZqDeviceInside->GetIZqDeviceInfo()->GetID();
     m_pCZqPort = std::make_unique<CZqPort>(m_pCZqGenTL, m_hDataStream, GenApi::RW,
                                            gcstring("DataStream_0_") + deviceID);
@@ -124,7 +125,7 @@ void CZqDataStream::Release() {
     {
         const std::lock_guard<std::mutex> control(m_Control);
         steps.Run([this] { StopGrabbing(ACQ_STOP_FLAGS_DEFAULT); });
-        m_StopEvent.SetEvent();
+        m_Acquisition.stopped->SetEvent();
     }
     while (m_nReaders.load() != 0)
         std::this_thread::yield();

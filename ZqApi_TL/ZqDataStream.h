@@ -69,12 +69,21 @@ private:
     void StartNewBufferThread();
     void PrepareChunkDecoding();
     void QueueKeptBuffers(size_t keptCount);
+    void QueueUnlessBusy(const CZqStreamBuffer& buffer);
     bool IsQueued(const CZqStreamBuffer& buffer, bool& known) const;
+    void QueueToProducer(const CZqStreamBuffer& buffer);
     void StartProducer(uint64_t count, ACQ_START_FLAGS flags);
     void DropNewBufferThread();
     void StopGrabbing(ACQ_STOP_FLAGS flags);
 
-    CZqStreamBuffer* TakeDelivered(std::shared_ptr<CZqEventNewBuffer>& thread);
+    /// What a reader waits on besides frames. Shared, because the reader may still hold it when the next
+    /// acquisition has its own: a stop that is followed at once by a start is seen all the same.
+    struct Acquisition {
+        std::shared_ptr<CZqEventNewBuffer> thread; ///< from start to stop, else null
+        std::shared_ptr<CEventObject> stopped;     ///< signalled from the stop on, and before the first start
+    };
+
+    CZqStreamBuffer* TakeDelivered(Acquisition& acquisition);
     void AttachChunks(CZqStreamBuffer& buffer);
     void ThrowThreadError(CZqEventNewBuffer& thread);
     void CountRates(CZqStreamBuffer& buffer);
@@ -97,16 +106,16 @@ private:
     StreamBufferPool m_Pool;
 
     std::mutex m_Control;
-    CEventObject m_StopEvent{nullptr, true, true, nullptr};
-    // Exists from start to stop; changed under the control lock and the queue's, read under either. Shared,
-    // because a reader waits on its error event.
-    std::shared_ptr<CZqEventNewBuffer> m_pNewBuffer;
+    // Changed under the control lock and the queue's, read under either.
+    Acquisition m_Acquisition;
     std::atomic<uint32_t> m_nDelivered{0};
     CFPS m_FPS;
     CBPS m_BPS;
     std::atomic<bool> m_bCountDataSize{true};
     std::atomic<bool> m_bReleasing{false};
     std::atomic<int> m_nReaders{0};
+    // Readers that ask the producer about the buffer that they have taken.
+    std::atomic<int> m_nHandingOut{0};
 };
 
 } // namespace ZqApi

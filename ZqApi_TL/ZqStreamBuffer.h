@@ -50,6 +50,10 @@ public:
     size_t GetAnnouncedSize() const { return m_Size; }
     void* GetUserContext() const { return m_pUserContext; }
 
+    /// Where its stream's pool has it; only a buffer in the pool can be queued. The pool's lock guards it.
+    enum class Place { Pool, Leaving, Outside };
+    Place GetPlace() const { return m_Place; }
+    void SetPlace(Place place) { m_Place = place; }
     bool IsLent() const { return m_bLent; }
     void SetLent(bool lent) { m_bLent = lent; }
     /// Forgets that chunk data was attached: the memory holds another frame now.
@@ -74,6 +78,7 @@ private:
     CZqCallbackManager m_CallbackManager;
     std::unique_ptr<CZqEventErrorSB> m_pErrorEvent;
     std::atomic<bool> m_bLent{false};
+    Place m_Place = Place::Pool;
 };
 
 } // namespace ZqApi
