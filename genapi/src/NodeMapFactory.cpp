@@ -5,8 +5,7 @@
 #include "genapi/src/nodes/NodeBase.h"
 
 #include <fstream>
-#include <iterator>
-#include <new>
+#include <mutex>
 
 namespace GENAPI_NAMESPACE {
 
@@ -25,26 +24,40 @@ public:
         : m_document(std::make_shared<const inside::Document>(std::move(document))), m_released(true) {}
 
     std::shared_ptr<const inside::Document> GetDocument() {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return Parsed();
+    }
+    std::shared_ptr<const inside::Description> GetDescription() {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_description)
+            m_description = inside::LinkDescription(Parsed());
+        return m_description;
+    }
+    bool IsPreprocessed() const {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_description != nullptr;
+    }
+    void Release() {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        Parsed();
+        m_bytes = std::string();
+        m_released = true;
+    }
+    bool IsReleased() const {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_released;
+    }
+
+private:
+    std::shared_ptr<const inside::Document> Parsed() {
         if (!m_document) {
             const std::string text = inside::CleanDescription(inside::UnpackDescription(m_bytes));
             m_document = std::make_shared<const inside::Document>(inside::ParseDocument(text, m_keepTexts));
         }
         return m_document;
     }
-    std::shared_ptr<const inside::Description> GetDescription() {
-        if (!m_description)
-            m_description = inside::LinkDescription(GetDocument());
-        return m_description;
-    }
-    bool IsPreprocessed() const { return m_description != nullptr; }
-    void Release() {
-        GetDocument();
-        m_bytes = std::string();
-        m_released = true;
-    }
-    bool IsReleased() const { return m_released; }
 
-private:
+    mutable std::mutex m_mutex;
     std::string m_bytes;
     bool m_keepTexts = true;
     std::shared_ptr<const inside::Document> m_document;

@@ -184,6 +184,19 @@ TEST(Callbacks, InsideOnesHoldTheLockAndSeeTheNewValue) {
     EXPECT_EQ(seen, 12);
 }
 
+TEST(Callbacks, OfNestedOperationsWaitForTheOutermost) {
+    Camera camera(IntReg("R", 0) + ::Node("Integer", "Own", "<Value>0</Value>"));
+    int* const own = camera.Watch("Own");
+    int during = -1;
+    camera.port.onWrite = [&] {
+        camera.Int("Own")->SetValue(1);
+        during = *own;
+    };
+    camera.Int("R")->SetValue(1);
+    EXPECT_EQ(during, 0);
+    EXPECT_EQ(*own, 1);
+}
+
 TEST(Callbacks, DeregisteredOnesNoLongerRun) {
     Camera camera(IntReg("R", 0));
     int count = 0;

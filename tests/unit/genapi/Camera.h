@@ -32,6 +32,8 @@ public:
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         for (int64_t i = 0; i < length; ++i)
             memory[address + i] = bytes[i];
+        if (onWrite)
+            onWrite();
         log.emplace_back(address, std::vector<uint8_t>(bytes, bytes + length));
     }
     GenApi::EAccessMode GetAccessMode() const override { return mode; }
@@ -55,6 +57,7 @@ public:
     int reads = 0;
     int writes = 0;
     bool failure = false;
+    std::function<void()> onWrite;
     GenApi::EAccessMode mode = GenApi::RW;
 
 private:

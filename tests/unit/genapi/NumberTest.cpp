@@ -191,6 +191,18 @@ TEST(Converter, LimitWithoutAValueIsOpen) {
     EXPECT_NEAR(camera.Float("C")->GetMin(), 1000.0 / 255, 1e-12);
 }
 
+TEST(Converter, OpenLimitOfTheTargetStaysOpen) {
+    Camera camera(Converter("C", "FROM / 2", "TO * 2", "Own", "<Slope>Increasing</Slope>") +
+                  ::Node("IntConverter", "I",
+                         "<FormulaTo>FROM/2</FormulaTo><FormulaFrom>TO*2</FormulaFrom><pValue>Own</"
+                         "pValue><Slope>Increasing</Slope>") +
+                  Integer("Own", "<Value>0</Value><Min>-3</Min>"));
+    EXPECT_EQ(camera.Float("C")->GetMin(), -6.0);
+    EXPECT_EQ(camera.Float("C")->GetMax(), std::numeric_limits<double>::max());
+    EXPECT_EQ(camera.Int("I")->GetMin(), -6);
+    EXPECT_EQ(camera.Int("I")->GetMax(), INT64_MAX);
+}
+
 TEST(Converter, ReadsItsVariablesBeforeItWrites) {
     Camera camera(
         ::Node("IntConverter", "Bit",
