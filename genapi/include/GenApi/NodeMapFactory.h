@@ -7,8 +7,8 @@
 namespace GENAPI_NAMESPACE {
 
 /// Turns a description into node maps. Parsing happens once, with the first node map; every further map
-/// shares the parsed description and costs only its state. Copies share their data. One thread at a time per
-/// factory and its copies; the node maps are independent of it and of each other.
+/// shares the parsed description and costs only its state. Copies share their data. Any thread may use a
+/// factory, as long as nobody assigns to it; the node maps are independent of it and of each other.
 ///
 /// Zipped content is recognised by its bytes, whatever `EContentType_t` says. A description that can't be
 /// read gives RuntimeException with the reason; a single bad node is left out (its access mode is NI).

@@ -1,0 +1,60 @@
+#include "Camera.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<long> allocations{0};
+
+} // namespace
+
+// The library takes its memory from these, too.
+void* operator new(size_t size) {
+    ++allocations;
+    if (void* const memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept {
+    std::free(memory);
+}
+
+using namespace GenApi;
+
+TEST(Allocations, KeptNumbersAreReadWithoutAny) {
+    Camera camera(::Node("Integer", "I", "<pValue>R</pValue><pIsAvailable>Yes</pIsAvailable>") +
+                  IntReg("R", 0) + ::Node("Integer", "Yes", "<Value>1</Value>") +
+                  ::Node("SwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>X/2</Formula>") +
+                  ::Node("Boolean", "B", "<pValue>R</pValue>"));
+    const CIntegerPtr integer = camera.Int("I");
+    const CFloatPtr knife = camera.Float("K");
+    const CBooleanPtr boolean = camera.Bool("B");
+    integer->GetValue();
+    knife->GetValue();
+    boolean->GetValue();
+    const long before = allocations;
+    for (int i = 0; i < 100; ++i) {
+        integer->GetValue();
+        knife->GetValue();
+        boolean->GetValue();
+        integer->GetAccessMode();
+    }
+    EXPECT_EQ(allocations - before, 0);
+}
+
+TEST(Allocations, FreshReadsNeedNoneEither) {
+    Camera camera(
+        IntReg("R", 0, 4, "<Cachable>NoCache</Cachable>") +
+        ::Node("SwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>(X*2+1)/2</Formula>"));
+    const CFloatPtr knife = camera.Float("K");
+    knife->GetValue();
+    const long before = allocations;
+    for (int i = 0; i < 100; ++i)
+        knife->GetValue();
+    EXPECT_EQ(allocations - before, 0);
+}
