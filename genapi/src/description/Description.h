@@ -47,6 +47,9 @@ struct AddressTerm {
     NodeIndex offsetNode = kNoNode;
 };
 
+/// No register is longer, whatever a description or a device says.
+constexpr int64_t kMaxRegisterLength = int64_t{64} * 1024 * 1024;
+
 struct RegisterPart {
     int64_t address = 0; ///< sum of all constant terms
     std::vector<AddressTerm> terms;

@@ -207,6 +207,8 @@ void NodeBuilder::BuildSourceElement(const Element& element) {
         source.node = m_reader.Require(element);
     } else if (name == "pValueCopy") {
         source.copies.push_back(m_reader.Require(element));
+    } else if (m_node->type != NodeType::Integer && m_node->type != NodeType::Float) {
+        return; // only numbers can be tables
     } else if (name == "pIndex") {
         source.index = m_reader.Require(element);
     } else if (name == "ValueIndexed" || name == "pValueIndexed") {

@@ -39,7 +39,8 @@ public:
         const bool isFloat = type == NodeType::FloatReg;
         const bool isInteger = type == NodeType::IntReg || type == NodeType::MaskedIntReg;
         const int64_t length = m_reg.length;
-        if (length <= 0 || (isInteger && length > 8) || (isFloat && length != 4 && length != 8))
+        if (length <= 0 || length > kMaxRegisterLength || (isInteger && length > 8) ||
+            (isFloat && length != 4 && length != 8))
             throw Unbuildable("a Length of " + std::to_string(length) + " is impossible");
         const auto isOutside = [length](int64_t bit) { return bit < 0 || bit >= 8 * length; };
         if (m_reg.masked && (isOutside(m_reg.lsb) || isOutside(m_reg.msb)))

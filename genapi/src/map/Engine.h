@@ -121,6 +121,7 @@ private:
     class Level;
     class Variables;
 
+    bool SpendStep();
     Modes ModesOf(NodeIndex node);
     Modes ComputeModes(NodeIndex node);
     Modes BaseModes(NodeIndex node);
@@ -190,6 +191,7 @@ private:
     std::vector<NodeIndex> m_open; ///< scratch of Spread
     uint32_t m_visit = 0;
     int m_depth = 0;
+    int m_steps = 0; ///< of the operation that runs
     bool m_ignoreCache = false;
     bool m_metCycle = false;
 };

@@ -55,7 +55,7 @@ Engine::Modes Engine::ModesOf(NodeIndex node) {
     if (state.modeKept)
         return {static_cast<EAccessMode>(state.mode), static_cast<EAccessMode>(state.modeOverPort)};
     constexpr int kMaxDepth = 200;
-    if (m_depth >= kMaxDepth)
+    if (m_depth >= kMaxDepth || !SpendStep())
         return {NA, NA};
     // Predicates may lead back here; within such a circle this node restricts nothing.
     if (state.askingMode) {

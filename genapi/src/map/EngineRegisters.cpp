@@ -12,8 +12,6 @@ namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
-constexpr int64_t kMaxLength = int64_t{64} * 1024 * 1024;
-
 bool Overlap(Place left, Place right) {
     const uint64_t distance = static_cast<uint64_t>(right.address) - static_cast<uint64_t>(left.address);
     const uint64_t back = static_cast<uint64_t>(left.address) - static_cast<uint64_t>(right.address);
@@ -28,7 +26,7 @@ int64_t Engine::LengthOf(NodeIndex node) {
         return reg.length;
     const int64_t length = ReadInteger(reg.lengthNode);
     const bool isNumber = Node(node).kind == ValueKind::Integer || Node(node).kind == ValueKind::Float;
-    if (length < 0 || length > kMaxLength || (isNumber && (length == 0 || length > 8)))
+    if (length < 0 || length > kMaxRegisterLength || (isNumber && (length == 0 || length > 8)))
         throw ACCESS_EXCEPTION("Node '%s' has an impossible length of %lld bytes, from '%s'.",
                                Name(node).c_str(), static_cast<long long>(length),
                                Name(reg.lengthNode).c_str());

@@ -18,6 +18,9 @@ public:
         if (engine.m_depth >= kMaxDepth)
             throw RUNTIME_EXCEPTION("Node '%s' is reached through more than %d others.",
                                     engine.Name(node).c_str(), kMaxDepth);
+        if (!engine.SpendStep())
+            throw RUNTIME_EXCEPTION("Node '%s' can't be evaluated: too many steps.",
+                                    engine.Name(node).c_str());
         ++engine.m_depth;
     }
     ~Level() { --m_engine.m_depth; }

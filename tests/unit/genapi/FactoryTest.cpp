@@ -165,9 +165,11 @@ TEST(Factory, BadNodeIsLeftOutAndSaysWhy) {
     Camera camera(::Node("Integer", "Bad", "<pValue>Gone</pValue>") +
                   ::Node("Integer", "Above", "<pValue>Bad</pValue>") +
                   ::Node("Thing", "Odd", "<Value>1</Value>") + IntReg("Wide", 0, 9) +
+                  "<Register Name=\"Huge\"><Address>0</Address><Length>9223372036854775807</Length>"
+                  "<pPort>Device</pPort></Register>" +
                   ::Register("MaskedIntReg", "Bits", 0, 1, "<Bit>8</Bit>") +
                   ::Node("Integer", "Good", "<Value>1</Value>"));
-    for (const char* name : {"Bad", "Above", "Odd", "Wide", "Bits"})
+    for (const char* name : {"Bad", "Above", "Odd", "Wide", "Huge", "Bits"})
         EXPECT_EQ(camera.Mode(name), NI) << name;
     EXPECT_EQ(camera.Int("Good")->GetValue(), 1);
     EXPECT_EQ(

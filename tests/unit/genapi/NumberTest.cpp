@@ -256,6 +256,21 @@ TEST(Numbers, EndlessChainIsRefusedBeforeTheStackEnds) {
     EXPECT_EQ(camera.Int("N4950")->GetValue(), 1);
 }
 
+TEST(Numbers, WorkThatDoublesWithEveryLinkIsRefused) {
+    std::string nodes = IntReg("K0", 0, 4, "<Cachable>NoCache</Cachable>") +
+                        Integer("C0", "<Value>1</Value><Min>0</Min><Max>9</Max>");
+    for (int i = 1; i < 100; ++i) {
+        const std::string below = std::to_string(i - 1);
+        nodes += ::Node("IntSwissKnife", "K" + std::to_string(i),
+                        "<pVariable Name=\"A\">K" + below + "</pVariable><Formula>A+A</Formula>");
+        nodes += Converter("C" + std::to_string(i), "FROM", "TO", "C" + below);
+    }
+    Camera camera(nodes);
+    EXPECT_ANY_THROW(camera.Int("K99")->GetValue());
+    EXPECT_THROW(camera.Float("C99")->GetMax(), RuntimeException);
+    EXPECT_EQ(camera.Float("C3")->GetMax(), 9.0);
+}
+
 TEST(Boolean, UsesItsOnAndOffValues) {
     Camera camera(::Node("Boolean", "B", "<pValue>R</pValue><OnValue>5</OnValue><OffValue>2</OffValue>") +
                   IntReg("R", 0, 1) + ::Node("Boolean", "Plain", "<pValue>P</pValue>") + IntReg("P", 1, 1));
@@ -283,6 +298,13 @@ TEST(Command, WritesItsValueAndIsDoneWhenTheRegisterHasLeftIt) {
     EXPECT_TRUE(camera.Command("C")->IsDone());
     camera.Value("C")->FromString("1");
     EXPECT_EQ(camera.port.memory[0], 7);
+}
+
+TEST(Command, TakesNoTable) {
+    Camera camera(::Node("Command", "C", "<pIndex>V</pIndex><ValueIndexed Index=\"1\">1</ValueIndexed>") +
+                  Integer("V", "<Value>1</Value>"));
+    camera.Command("C")->Execute();
+    EXPECT_TRUE(camera.Command("C")->IsDone());
 }
 
 TEST(Command, OverAWriteOnlyRegisterIsDoneAtOnceWithoutAnAccess) {
