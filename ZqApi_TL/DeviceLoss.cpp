@@ -21,13 +21,20 @@ bool SelectEntry(INodeMap* pNodeMap, const char* enumeration, const char* entry)
 
 } // namespace
 
-void CZqDevice::SelectStandardEndianess() {
-    // The standard wants the producer told, before the camera's registers are used, that register values are
-    // taken in the byte order of the description. Only GigE Vision producers have the feature.
+void CZqDevice::SelectEndianessMechanism() {
+    // A GigE Vision producer has to know, before the camera's registers are used, in which byte order their
+    // values are taken: descriptions of schema 1.0 were written for the order of the transport, later ones
+    // name it themselves.
     try {
         GenApi::CEnumerationPtr pMechanism = m_pLocalPort->GetINodeMap()->GetNode("DeviceEndianessMechanism");
-        if (pMechanism.IsValid() && pMechanism->ToString() != "Standard")
-            pMechanism->FromString("Standard");
+        GenApi::CDeviceInfoPtr pDescription = m_pRemotePort->GetINodeMap();
+        if (!pMechanism.IsValid() || !pDescription.IsValid())
+            return;
+        GenApi::Version_t schema{};
+        pDescription->GetSchemaVersion(schema);
+        const gcstring mechanism = schema.Major == 1 && schema.Minor == 0 ? "Legacy" : "Standard";
+        if (pMechanism->ToString() != mechanism)
+            pMechanism->FromString(mechanism);
     } catch (const GenICam::GenericException&) {
         // Best effort: most producers need nothing.
     }

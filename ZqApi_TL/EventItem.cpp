@@ -46,7 +46,13 @@ gcstring EventItem::Text() const {
 }
 
 EventItem TryReadEventItem(const EventBlock& block, EVENT_DATA_INFO_CMD command) {
-    return Read(block, command, [](GC_ERROR, INFO_DATATYPE*, void*, size_t*) {});
+    try {
+        return Read(block, command, [](GC_ERROR, INFO_DATATYPE*, void*, size_t*) {});
+    } catch (const GenICam::BadAllocException&) {
+        EventItem item;
+        item.result = GC_ERR_OUT_OF_MEMORY;
+        return item;
+    }
 }
 
 EventItem ReadEventItem(const EventBlock& block, EVENT_DATA_INFO_CMD command) {

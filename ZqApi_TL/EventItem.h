@@ -29,7 +29,8 @@ struct EventBlock {
     size_t size;
 };
 
-/// Reads an item in two calls; its result tells whether it is there. Throws GenICam::BadAllocException only.
+/// Reads an item in two calls; its result tells whether it is there. One of a size that can't be had is not.
+/// Throws nothing.
 EventItem TryReadEventItem(const EventBlock& block, EVENT_DATA_INFO_CMD command);
 
 /// Reads an item in two calls. Throws CZqGenTLErrorException when either fails.

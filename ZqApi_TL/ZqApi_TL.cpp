@@ -102,6 +102,7 @@ gcstring GetZqApiVersionText() {
 }
 
 void SetGenApiCache() {
+    const std::lock_guard<std::mutex> lock(g_Mutex);
     CheckZqApiInitialized();
     PointCacheToSubdirectory();
 }

@@ -4,6 +4,7 @@
 #include "ZqApi_TL/OptionalEvent.h"
 #include "ZqApi_TL/Teardown.h"
 #include "ZqApi_TL/ZqDataStream.h"
+#include "ZqApi_TL/ZqInterface.h"
 #include "ZqGenTLCommon/InfoQuery.h"
 
 namespace ZqApi {
@@ -44,7 +45,7 @@ void CZqDevice::Construct() {
     CreateRemotePort();
     CreateEvents();
     m_pRemotePort->GetINodeMap();
-    SelectStandardEndianess();
+    SelectEndianessMechanism();
     RegisterDeviceLostEvent();
     m_pIZqInterfaceInside->AddRef();
     m_bHoldsInterface = true;
@@ -207,13 +208,15 @@ bool CZqDevice::IsOnEventThread() const {
     for (const CWorker* const thread : threads)
         if (thread != nullptr && thread->IsOwnThread())
             return true;
-    return false;
+    // Its interface goes with it when it has vanished from the list.
+    const auto* const pInterface = dynamic_cast<const CZqInterface*>(m_pIZqInterfaceInside);
+    return pInterface != nullptr && pInterface->IsOnEventThread();
 }
 
 void CZqDevice::Release() {
     if (IsOnEventThread())
         throw ReportError<GenICam::LogicalErrorException>(
-            UNIT, __LINE__, "A device can't be released on one of its own event threads.");
+            UNIT, __LINE__, "A device can't be released on an event thread of its own or of its interface.");
     delete this;
 }
 

@@ -54,7 +54,7 @@ private:
     void UpdateDataStreamList();
     void CreateRemotePort();
     void CreateEvents();
-    void SelectStandardEndianess();
+    void SelectEndianessMechanism();
     void RegisterDeviceLostEvent();
     void RequestDeviceLostNotification(INodeMap* pLocalNodeMap);
     void ProbeCamera();

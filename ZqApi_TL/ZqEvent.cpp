@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cxxabi.h>
 
+#include "ZqApi_TL/Teardown.h"
 #include "ZqGenTLCommon/ZqGenTLError.h"
 #include "ZqSDKCommon/Error.h"
 
@@ -56,17 +57,22 @@ size_t CZqEvent::QueryReceiveBufferSize() const {
 }
 
 CZqEvent::~CZqEvent() {
-    try {
-        CZqEvent::Stop();
-    } catch (const GenICam::GenericException&) {
-    }
-    try {
-        UnregisterEvent();
-    } catch (const GenICam::GenericException&) {
-    }
+    Teardown steps;
+    steps.Run([this] { CZqEvent::Stop(); });
+    steps.Run([this] { UnregisterEvent(); });
+}
+
+std::unique_lock<std::recursive_mutex> CZqEvent::LockControl() {
+    // The event's own thread may be waited for by who holds the lock; it changes nothing that the lock
+    // guards.
+    std::unique_lock<std::recursive_mutex> lock(m_ControlMutex, std::defer_lock);
+    if (!IsOwnThread())
+        lock.lock();
+    return lock;
 }
 
 void CZqEvent::Start() {
+    const std::unique_lock<std::recursive_mutex> control = LockControl();
     if (m_hEvent == nullptr || HasThread())
         return;
     m_ReceiveBuffer = ConvertBadAlloc(
@@ -77,23 +83,22 @@ void CZqEvent::Start() {
 }
 
 void CZqEvent::Stop() {
+    const std::unique_lock<std::recursive_mutex> control = LockControl();
     if (!HasThread())
         return;
     RequestStop();
     if (IsOwnThread())
         return;
-    const GC_ERROR result = CallProducer(m_pCZqGenTL->EventKill, m_hEvent);
-    if (result == GC_ERR_SUCCESS) {
-        CWorker::Stop();
-        m_ReceiveBuffer.reset();
-        return;
-    }
-    // Built before the join: the producer's last error belongs to the call that just failed.
-    const CZqGenTLErrorException error = ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "EventKill",
-                                                       "%d = EventKill(0x%p)", result, m_hEvent);
+    // Reported before the join: the producer's last error belongs to the call that just failed.
+    Teardown kill;
+    kill.Run([this] {
+        const GC_ERROR result = CallProducer(m_pCZqGenTL->EventKill, m_hEvent);
+        CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "EventKill", "%d = EventKill(0x%p)", result,
+                      m_hEvent);
+    });
     CWorker::Stop();
     m_ReceiveBuffer.reset();
-    throw error;
+    kill.RethrowFirst();
 }
 
 void CZqEvent::UnregisterEvent() {

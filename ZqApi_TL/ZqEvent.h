@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 
 #include <ZqApi/Types.h>
 
@@ -52,6 +53,8 @@ protected:
     CZqGenTLLib* const m_pCZqGenTL;
 
 private:
+    /// Excludes other starts and stops; nobody on the event's own thread.
+    std::unique_lock<std::recursive_mutex> LockControl();
     void RegisterEvent();
     size_t QueryReceiveBufferSize() const;
     void Deliver(size_t size);
@@ -63,6 +66,8 @@ private:
     size_t m_ReceiveBufferSize = 0;
     const uint64_t m_ReceiveTimeoutMs = 500;
     std::unique_ptr<uint8_t[]> m_ReceiveBuffer;
+    // Recursive: starting a worker stops an earlier thread first.
+    std::recursive_mutex m_ControlMutex;
     GenApi::CLock m_ErrorLock;
     LastError m_LastError;
     CEventObject m_ErrorEvent;

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "ZqApi_TL/EventItem.h"
+#include "ZqApi_TL/Teardown.h"
 #include "ZqApi_TL/ZqEvent.h"
 #include "ZqSDKCommon/Error.h"
 #include "ZqSDKCommon/ZqCallbackManager.h"
@@ -25,10 +26,7 @@ public:
     }
 
     ~CZqEventError() override {
-        try {
-            Stop();
-        } catch (const GenICam::GenericException&) {
-        }
+        Teardown().Run([this] { Stop(); });
     }
 
 protected:

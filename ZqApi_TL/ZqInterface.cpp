@@ -149,7 +149,7 @@ const IZqDeviceInfo* CZqInterface::GetIZqDeviceInfo(size_t nIndex) {
 
 gcstring CZqInterface::DeviceIDAt(size_t nIndex) {
     const GenApi::AutoLock lock(m_ListLock);
-    return GetIZqDeviceInfo(nIndex)->GetID();
+    return ConvertBadAlloc(UNIT, __LINE__, [&] { return GetIZqDeviceInfo(nIndex)->GetID(); });
 }
 
 bool CZqInterface::IsDeviceAvailable(size_t nIndex, DEVICE_ACCESS_FLAGS eDeviceAccessFlags) {
@@ -230,6 +230,11 @@ void CZqInterface::AddRef() {
 void CZqInterface::Release() {
     if (m_RefCount.fetch_sub(1, std::memory_order_seq_cst) == 1)
         delete this;
+}
+
+bool CZqInterface::IsOnEventThread() const {
+    return (m_pErrorEvent && m_pErrorEvent->IsOwnThread()) ||
+           (m_pModuleEvent && m_pModuleEvent->IsOwnThread());
 }
 
 void CZqInterface::StartEventAcquisitionThread() {

@@ -52,6 +52,9 @@ public:
     /// Kept: stops the error event, but starts the module event.
     void StopEventAcquisitionThread() override;
 
+    /// True on one of the interface's event threads, where it must not be destroyed.
+    bool IsOnEventThread() const;
+
     /// The kind of interface that a transport-layer type names, upper and lower case alike. Kept: the length
     /// of the text counts, so a prefix matches its name and an empty text is the first one, U3V.
     static EZqInterfaceType_t TypeOfTLType(const gcstring& tlType);

@@ -60,10 +60,12 @@ IZqPortInfo* CZqPort::GetIZqPortInfo() const {
 
 CZqXMLFile& CZqPort::CreatedXMLFile() {
     const std::lock_guard<std::mutex> lock(m_CreationMutex);
-    if (!m_XMLFile.IsCreated()) {
+    ConvertBadAlloc(UNIT, __LINE__, [this] {
+        if (m_XMLFile.IsCreated())
+            return;
         const gcstring portName = m_PortInfo.GetPortName();
         m_XMLFile.CreateNodeMap(m_URLInfo.GetURL(), this, portName);
-    }
+    });
     return m_XMLFile;
 }
 
@@ -72,11 +74,11 @@ INodeMap* CZqPort::GetINodeMap() {
 }
 
 gcstring CZqPort::GetXMLFileName() {
-    return CreatedXMLFile().GetXMLFileName();
+    return ConvertBadAlloc(UNIT, __LINE__, [this] { return CreatedXMLFile().GetXMLFileName(); });
 }
 
 void CZqPort::SaveXMLFile(const gcstring& fileName) {
-    CreatedXMLFile().SaveToFile(fileName);
+    ConvertBadAlloc(UNIT, __LINE__, [&] { CreatedXMLFile().SaveToFile(fileName); });
 }
 
 PORT_HANDLE CZqPort::GetPortHandle() const {

@@ -13,8 +13,7 @@ namespace ZqApi {
 /// registers.
 ///
 /// Owned by its module, which closes the port's handle after the port is gone. Building the node map is
-/// serialised; once it exists the port holds no lock, and register access from several threads goes straight
-/// to the producer.
+/// serialised; register access holds no lock and goes straight to the producer.
 class CZqPort final : public IZqPortInside {
 public:
     /// `deviceName` becomes the device name of the node maps. Calls nothing in the producer.

@@ -15,28 +15,29 @@ template <class T>
 T CZqPortURLInfo::GetNumber(URL_INFO_CMD command) const {
     ZQ_ASSERT(UNIT, m_hPort != NULL);
     return QueryNumber<T>({m_pCZqGenTL, UNIT, __LINE__, "GCGetPortURLInfo", FORMAT},
-                          m_pCZqGenTL->GCGetPortURLInfo, command, m_hPort, m_nURLIndex);
+                          m_pCZqGenTL->GCGetPortURLInfo, command, m_hPort, GetIndex());
 }
 
 gcstring CZqPortURLInfo::GetText(URL_INFO_CMD command) const {
     ZQ_ASSERT(UNIT, m_hPort != NULL);
     const bool askTheOldWay = m_pCZqGenTL->GCGetPortURLInfo == nullptr && command == URL_INFO_URL &&
-                              m_nURLIndex == 0 && m_pCZqGenTL->GCGetPortURL != nullptr;
+                              GetIndex() == 0 && m_pCZqGenTL->GCGetPortURL != nullptr;
     if (askTheOldWay)
         return ReadLegacyURL(m_pCZqGenTL, UNIT, __LINE__, m_hPort);
     return QueryText({m_pCZqGenTL, UNIT, __LINE__, "GCGetPortURLInfo", FORMAT}, m_pCZqGenTL->GCGetPortURLInfo,
-                     command, m_hPort, m_nURLIndex);
+                     command, m_hPort, GetIndex());
 }
 
 void CZqPortURLInfo::GetSha1HashBuffer(void* pBuffer, size_t* pSize) const {
     ZQ_ASSERT(UNIT, m_hPort != NULL);
     const URL_INFO_CMD command = URL_INFO_FILE_SHA1_HASH;
+    const uint32_t nURLIndex = GetIndex();
     INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
     const GC_ERROR result =
-        CallProducer(m_pCZqGenTL->GCGetPortURLInfo, m_hPort, m_nURLIndex, command, &type, pBuffer, pSize);
+        CallProducer(m_pCZqGenTL->GCGetPortURLInfo, m_hPort, nURLIndex, command, &type, pBuffer, pSize);
     if (result != GC_ERR_SUCCESS)
         throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "GCGetPortURLInfo", FORMAT, result, m_hPort,
-                            m_nURLIndex, command, &type, pBuffer, pSize);
+                            nURLIndex, command, &type, pBuffer, pSize);
 }
 
 gcstring CZqPortURLInfo::GetURL() const {

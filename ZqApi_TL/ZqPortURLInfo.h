@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include <ZqApi/Port.h>
 
 namespace ZqApi {
@@ -33,7 +35,8 @@ private:
 
     CZqGenTLLib* m_pCZqGenTL;
     PORT_HANDLE m_hPort;
-    uint32_t m_nURLIndex = 0;
+    // Selected by the application while an event thread may be building the node map.
+    std::atomic<uint32_t> m_nURLIndex{0};
 };
 
 } // namespace ZqApi

@@ -71,6 +71,7 @@ const IZqSystemInfo* CZqSystem::GetIZqSystemInfo() {
 }
 
 bool CZqSystem::UpdateInterfaceList() {
+    RefuseOnEventThread(__LINE__);
     return ConvertBadAlloc(UNIT, __LINE__, [this] { return CreateInterfaceObjects(); });
 }
 
@@ -85,10 +86,17 @@ IZqInterface* CZqSystem::GetIZqInterface(size_t index) {
     return m_Interfaces[index];
 }
 
+std::unique_ptr<CZqInterface, CZqSystem::ReleaseInterface> CZqSystem::InterfaceAt(size_t index) {
+    const GenApi::AutoLock lock(m_ListLock);
+    CheckIndex(UNIT, __LINE__, "GetInterface", index, m_Interfaces.size());
+    m_Interfaces[index]->AddRef();
+    return std::unique_ptr<CZqInterface, ReleaseInterface>(m_Interfaces[index]);
+}
+
 IZqDeviceReleasable* CZqSystem::CreateFirstIZqDevice(DEVICE_ACCESS_FLAGS eDeviceAccessFlags) {
     for (size_t index = 0; index < GetInterfaceCount(); ++index) {
         try {
-            return GetIZqInterface(index)->CreateFirstIZqDevice(eDeviceAccessFlags);
+            return InterfaceAt(index)->CreateFirstIZqDevice(eDeviceAccessFlags);
         } catch (const GenICam::GenericException&) {
             // The next interface may have one.
         }
@@ -104,7 +112,21 @@ void CZqSystem::AddRef() {
     m_RefCount.fetch_add(1, std::memory_order_seq_cst);
 }
 
+void CZqSystem::RefuseOnEventThread(int line) {
+    // It would destroy the thread that is running, under the callback that asks for it.
+    const GenApi::AutoLock lock(m_ListLock);
+    const bool own =
+        (m_pErrorEvent && m_pErrorEvent->IsOwnThread()) ||
+        std::any_of(m_Interfaces.begin(), m_Interfaces.end(),
+                    [](const CZqInterface* pInterface) { return pInterface->IsOnEventThread(); });
+    if (own)
+        throw ReportError<GenICam::LogicalErrorException>(
+            UNIT, line,
+            "A system can't be released or updated on an event thread of its own or of its interfaces.");
+}
+
 void CZqSystem::Release() {
+    RefuseOnEventThread(__LINE__);
     if (m_RefCount.fetch_sub(1, std::memory_order_seq_cst) == 1)
         delete this;
 }

@@ -43,11 +43,17 @@ public:
 
 private:
     void Open();
+    void RefuseOnEventThread(int line);
     bool GetInterfaceIDList(gcstring_vector& ids);
     EZqInterfaceType_t GetInterfaceType(const gcstring& id);
     bool CreateInterfaceObjects();
     void RebuildInterfaceList(const gcstring_vector& ids, std::vector<CZqInterface*>& former);
     CZqInterface* OpenInterface(const gcstring& id);
+    struct ReleaseInterface {
+        void operator()(CZqInterface* pInterface) const { pInterface->Release(); }
+    };
+    /// Keeps the interface alive beside a concurrent update.
+    std::unique_ptr<CZqInterface, ReleaseInterface> InterfaceAt(size_t index);
     void DeleteInterfaceObjects();
     void DeleteInsideObjects();
 

@@ -43,7 +43,8 @@ gcstring ReadText(const QuerySite& site, Ask ask, Report report) {
     result = ask(text.get(), &size);
     if (result != GC_ERR_SUCCESS)
         throw report(result, text.get(), &size);
-    return gcstring(text.get(), strnlen(text.get(), capacity));
+    return ConvertBadAlloc(site.unit, site.line,
+                           [&] { return gcstring(text.get(), strnlen(text.get(), capacity)); });
 }
 
 /// The text query of every information command: `prefix` is the module's handle and what else names the

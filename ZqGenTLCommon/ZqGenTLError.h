@@ -33,13 +33,15 @@ private:
 };
 
 /// The report of one failed call: `format` is the log of the call, `arguments` what it names, the result
-/// first.
+/// first. Throws GenICam::BadAllocException when there is no memory for it.
 template <class... Arguments>
 CZqGenTLErrorException ProducerError(const CZqGenTLLib* pGenTL, const char* unit, int line, GC_ERROR error,
                                      const char* functionName, const char* format,
                                      const Arguments&... arguments) {
-    return CZqGenTLErrorExceptionReporter(unit, line, KindOf<CZqGenTLErrorException>())
-        .Report(pGenTL, error, functionName, format, arguments...);
+    return ConvertBadAlloc(unit, line, [&] {
+        return CZqGenTLErrorExceptionReporter(unit, line, KindOf<CZqGenTLErrorException>())
+            .Report(pGenTL, error, functionName, format, arguments...);
+    });
 }
 
 /// Throws that report unless `result` is GC_ERR_SUCCESS.

@@ -26,7 +26,7 @@ int HexDigit(char c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-/// No digits give 0; a number too large for 64 bits gives the largest one, which no read accepts.
+/// No digits give 0; a number too large for 64 bits gives the largest one.
 uint64_t ParseHex(const std::string& text, size_t position) {
     while (position < text.size() && (text[position] == ' ' || text[position] == '\t'))
         ++position;

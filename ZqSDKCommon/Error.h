@@ -50,12 +50,6 @@ inline const char* KindOf<CZqLinuxErrorException>() {
     return "ZqLinuxErrorException";
 }
 
-/// Builds a GenICam exception that names `unit` ("ZqApi_TL/ZqSystem") as its source; the caller throws it.
-template <class E, class... Arguments>
-E ReportError(const char* unit, int line, const char* format, const Arguments&... arguments) {
-    return E(Format(format, arguments...).c_str(), unit, line, KindOf<E>());
-}
-
 /// Builds the report of a failed system call from the current errno.
 class CZqLinuxErrorExceptionReporter {
 public:
@@ -108,6 +102,14 @@ auto ConvertBadAlloc(const char* unit, int line, Function&& function) -> decltyp
     } catch (const std::bad_alloc& failure) {
         throw GenICam::BadAllocException(failure.what(), unit, line, KindOf<GenICam::BadAllocException>());
     }
+}
+
+/// Builds a GenICam exception that names `unit` ("ZqApi_TL/ZqSystem") as its source; the caller throws it.
+/// Throws GenICam::BadAllocException when there is no memory for its text.
+template <class E, class... Arguments>
+E ReportError(const char* unit, int line, const char* format, const Arguments&... arguments) {
+    return ConvertBadAlloc(unit, line,
+                           [&] { return E(Format(format, arguments...).c_str(), unit, line, KindOf<E>()); });
 }
 
 /// Prints "<unit>:<line>: assertion failed: <expression>" to the standard error stream and stops the process.

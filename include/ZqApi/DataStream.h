@@ -46,7 +46,7 @@ public:
 ///
 /// RetrieveBuffer, information and rates may be used from any thread, several at once. Start and stop exclude
 /// each other. From inside a callback of the stream, StopAcquisition, StopEventAcquisitionThread and Release
-/// throw GenICam::LogicalErrorException and do nothing.
+/// throw GenICam::LogicalErrorException and do nothing, and StartAcquisition does nothing.
 class IZqDataStream : public IZqRegisterCallback, public IZqEventCtrl {
 public:
     virtual IZqDevice* GetIZqDevice() = 0;

@@ -2,7 +2,8 @@
 
 namespace ZqApi {
 
-/// Starts and stops the event threads of a module; without them no callback of the module runs.
+/// Starts and stops the threads that wait for a module's events; without them its error callbacks don't run.
+/// New-buffer callbacks need acquisition only.
 ///
 /// Devices are opened with their threads running; systems, interfaces, data streams and stream buffers wait
 /// for the start. Both calls may be repeated. One controlling thread at a time.
@@ -11,8 +12,9 @@ public:
     /// Starts every event thread that does not run yet. Events that the producer lacks are left out. Throws
     /// GenICam::BadAllocException.
     virtual void StartEventAcquisitionThread() = 0;
-    /// Stops all of the module's event threads and then throws the first failure, CZqGenTLErrorException when
-    /// the producer could not interrupt a wait.
+    /// Stops the module's event threads and then throws the first failure, CZqGenTLErrorException when the
+    /// producer could not interrupt a wait. An interface is the exception: it stops its error events, but
+    /// starts its module events.
     virtual void StopEventAcquisitionThread() = 0;
 
 protected:

@@ -37,8 +37,8 @@ public:
     virtual uint64_t GetUpdateDeviceListTimeout() = 0;
     virtual void SetUpdateDeviceListTimeout(uint64_t timeoutMs) = 0;
     virtual uint32_t GetDeviceCount() = 0;
-    /// What is known of the device without opening it; valid until the next UpdateDeviceList that returns
-    /// true. Throws GenICam::OutOfRangeException when there is no such index.
+    /// What is known of the device without opening it; valid until the next UpdateDeviceList. Throws
+    /// GenICam::OutOfRangeException when there is no such index.
     virtual const IZqDeviceInfo* GetIZqDeviceInfo(size_t nIndex) = 0;
     /// Whether the device would let itself be opened with these flags (DEVICE_ACCESS_READONLY, _CONTROL or
     /// _EXCLUSIVE). Throws GenICam::OutOfRangeException for other flags and for an index that is not there.

@@ -26,7 +26,7 @@ ZQAPI_API void ZqApiInitialize(uint32_t buildVersion);
 /// their `Release`. Throws GenICam::RuntimeException "ZqApi is not initialized.".
 ZQAPI_API void ZqApiTerminate();
 /// Throws GenICam::RuntimeException "ZqApi is not initialized." before the first initialisation and after the
-/// last termination, as every function below does.
+/// last termination, as every function below does but GetModuleHandleTL.
 ZQAPI_API void CheckZqApiInitialized();
 /// 0x01000005 for version 1.0.5.
 ZQAPI_API uint32_t GetZqApiVersion();

@@ -78,8 +78,9 @@ protected:
 /// A buffer in the application's hands: `Release` queues it to the producer again.
 ///
 /// `Release` throws CZqGenTLErrorException when the producer refuses (released twice: "-1004 =
-/// DSQueueBuffer(...)"; camera lost). If the pool was torn down meanwhile (larger payload, stream released)
-/// the pixels are gone, and `Release` only ends the object.
+/// DSQueueBuffer(...)"; camera lost). Release every buffer before its stream. When a start replaces the pool
+/// meanwhile (larger payload, fewer buffers) the pixels are gone: `Release` then only ends the object, and
+/// anything else asked of it stops the process.
 class IZqStreamBufferReleasable : public IZqStreamBuffer, public IZqReleasable {
 protected:
     ~IZqStreamBufferReleasable() = default;

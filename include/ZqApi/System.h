@@ -34,8 +34,11 @@ public:
 
 /// The root of the module tree: one loaded producer with the interfaces that pass the system's filter.
 ///
-/// Made by CreateIZqSystem. All operations may be called from any thread. Interfaces stay owned by the
-/// system; devices opened from it must be released before it.
+/// Made by CreateIZqSystem. All operations may be called from any thread, but for starting and stopping the
+/// event threads, which belong to one at a time; UpdateInterfaceList and the last `Release` throw
+/// GenICam::LogicalErrorException on an event thread of the system or of one of its interfaces, that is
+/// inside their error callbacks. Interfaces stay owned by the system; devices opened from it must be released
+/// before it.
 class IZqSystem : public IZqRegisterCallback, public IZqEventCtrl {
 public:
     virtual EZqSystemVendor_t GetZqSystemVendor() = 0;
