@@ -1,4 +1,4 @@
-#include "Camera.h"
+#include "../Camera.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -10,17 +10,17 @@ std::atomic<long> allocations{0};
 
 } // namespace
 
-// The library takes its memory from these, too.
-void* operator new(size_t size) {
+// The library takes its memory from these, too. Inlined, they look like a mismatched pair to the compiler.
+__attribute__((noinline)) void* operator new(size_t size) {
     ++allocations;
     if (void* const memory = std::malloc(size ? size : 1))
         return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept {
+__attribute__((noinline)) void operator delete(void* memory) noexcept {
     std::free(memory);
 }
-void operator delete(void* memory, size_t) noexcept {
+__attribute__((noinline)) void operator delete(void* memory, size_t) noexcept {
     std::free(memory);
 }
 
