@@ -13,7 +13,7 @@ constexpr const char* UNIT = "ZqApi_TL/ZqDataStream";
 
 void CZqDataStream::StartAcquisition(uint64_t count, ACQ_START_FLAGS flags) {
     // A callback of this stream runs on one of its threads; the control lock may be held by who joins them.
-    if (m_CallbackManager.IsInsideRunCallback())
+    if (IsInsideCallback())
         return;
     const std::lock_guard<std::mutex> control(m_Control);
     if (m_bReleasing)
@@ -27,8 +27,7 @@ void CZqDataStream::StartAcquisition(uint64_t count, ACQ_START_FLAGS flags) {
         ConvertBadAlloc(UNIT, __LINE__, [&] {
             stopped = std::make_shared<CEventObject>(nullptr, true, false, nullptr);
             StartNewBufferThread();
-            const size_t keptCount = m_Pool.Size();
-            AllocateBuffers();
+            const size_t keptCount = AllocateBuffers();
             PrepareChunkDecoding();
             QueueKeptBuffers(keptCount);
             m_FPS.Reset();
@@ -89,7 +88,8 @@ void CZqDataStream::QueueKeptBuffers(size_t keptCount) {
 
 void CZqDataStream::QueueUnlessBusy(const CZqStreamBuffer& buffer) {
     bool known = false;
-    if (buffer.IsLent() || IsQueued(buffer, known))
+    // A producer that keeps its output over a restart may have delivered it already.
+    if (buffer.IsLent() || m_Delivered.Contains(&buffer) || IsQueued(buffer, known))
         return;
     try {
         QueueToProducer(buffer);
@@ -129,16 +129,15 @@ void CZqDataStream::StopGrabbing(ACQ_STOP_FLAGS flags) {
     if (!m_Acquisition.thread)
         return;
     m_Acquisition.stopped->SetEvent();
-    const GC_ERROR result = CallProducer(m_pCZqGenTL->DSStopAcquisition, m_hDataStream, flags);
-    if (result == GC_ERR_SUCCESS) {
-        DropNewBufferThread();
-        return;
-    }
-    const CZqGenTLErrorException error =
-        ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "DSStopAcquisition",
+    // Reported before the thread ends: the producer's last error belongs to this call.
+    Teardown stop;
+    stop.Run([&] {
+        const GC_ERROR result = CallProducer(m_pCZqGenTL->DSStopAcquisition, m_hDataStream, flags);
+        CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSStopAcquisition",
                       "%d = DSStopAcquisition(0x%p, %d)", result, m_hDataStream, flags);
+    });
     DropNewBufferThread();
-    throw error;
+    stop.RethrowFirst();
 }
 
 } // namespace ZqApi

@@ -63,7 +63,7 @@ bool CZqDataStream::MustReplacePool(size_t payloadSize) {
     return !largeEnough || m_nStreamBufferCount < m_Pool.Size();
 }
 
-void CZqDataStream::AllocateBuffers() {
+size_t CZqDataStream::AllocateBuffers() {
     const size_t count = m_nStreamBufferCount;
     const size_t payloadSize = PayloadSizeToAllocate();
     m_Delivered.Clear();
@@ -75,8 +75,10 @@ void CZqDataStream::AllocateBuffers() {
     }
     m_Delivered.Reserve(count);
     m_Pool.Reserve(count);
+    const size_t keptCount = m_Pool.Size();
     while (m_Pool.Size() < count)
         m_Pool.Add(payloadSize);
+    return keptCount;
 }
 
 void CZqDataStream::DeallocateBuffers() {

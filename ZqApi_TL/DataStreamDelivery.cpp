@@ -146,11 +146,11 @@ void CZqDataStream::CountRates(CZqStreamBuffer& buffer) {
     try {
         if (!buffer.GetInfo().IsIncomplete())
             m_FPS.Rcv();
-    } catch (const GenICam::GenericException&) {
+    } catch (const std::exception&) {
     }
     try {
         m_BPS.Rcv(CountedBytes(buffer));
-    } catch (const GenICam::GenericException&) {
+    } catch (const std::exception&) {
     }
 }
 

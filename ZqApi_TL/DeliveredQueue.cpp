@@ -36,6 +36,14 @@ CZqStreamBuffer* DeliveredQueue::TakeFront() {
     return pBuffer;
 }
 
+bool DeliveredQueue::Contains(const CZqStreamBuffer* pBuffer) {
+    const GenApi::AutoLock lock(m_Lock);
+    for (size_t i = 0; i < m_Count; ++i)
+        if (m_Ring[(m_Front + i) % m_Ring.size()] == pBuffer)
+            return true;
+    return false;
+}
+
 void DeliveredQueue::Clear() {
     const GenApi::AutoLock lock(m_Lock);
     m_Front = 0;

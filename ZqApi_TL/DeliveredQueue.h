@@ -26,6 +26,7 @@ public:
     void Append(CZqStreamBuffer* pBuffer);
     /// The oldest buffer, taken out; null when there is none.
     CZqStreamBuffer* TakeFront();
+    bool Contains(const CZqStreamBuffer* pBuffer);
     void Clear();
     size_t Size();
 

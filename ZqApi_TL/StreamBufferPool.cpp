@@ -34,12 +34,17 @@ void StreamBufferPool::Deallocate(const Memory& memory) {
 }
 
 void StreamBufferPool::Add(size_t payloadSize) {
+    Reserve(m_Buffers.size() + 1);
     const Memory memory = Allocate(payloadSize);
     CZqStreamBuffer* pBuffer = nullptr;
+    bool leftAnnounced = false;
     try {
-        pBuffer = Register(memory.pBuffer, memory.size, memory.pContext, m_Buffers.size());
+        pBuffer = Register(memory.pBuffer, memory.size, memory.pContext, m_Buffers.size(), &leftAnnounced);
     } catch (...) {
-        Teardown().Run([&] { Deallocate(memory); });
+        if (leftAnnounced)
+            m_HeldMemory.push_back(memory);
+        else
+            Teardown().Run([&] { Deallocate(memory); });
         throw;
     }
     try {
@@ -50,12 +55,13 @@ void StreamBufferPool::Add(size_t payloadSize) {
     }
 }
 
-CZqStreamBuffer* StreamBufferPool::Register(void* pBuffer, size_t size, void* pContext, size_t index) {
+CZqStreamBuffer* StreamBufferPool::Register(void* pBuffer, size_t size, void* pContext, size_t index,
+                                            bool* pLeftAnnounced) {
     return ConvertBadAlloc(UNIT, __LINE__, [&] {
         // Room first, so that nothing can fail between announcing a buffer and keeping it.
         Reserve(m_Buffers.size() + 1);
-        m_Buffers.push_back(
-            new CZqStreamBuffer(m_pCZqGenTL, m_pIZqDataStreamInside, pBuffer, size, pContext, index));
+        m_Buffers.push_back(new CZqStreamBuffer(m_pCZqGenTL, m_pIZqDataStreamInside, pBuffer, size, pContext,
+                                                index, pLeftAnnounced));
         return m_Buffers.back();
     });
 }

@@ -30,7 +30,8 @@ public:
     /// Announces one more buffer, its memory from the allocator if there is one, and queues it. On a failure
     /// the buffer is revoked before its memory goes back.
     void Add(size_t payloadSize);
-    CZqStreamBuffer* Register(void* pBuffer, size_t size, void* pContext, size_t index);
+    CZqStreamBuffer* Register(void* pBuffer, size_t size, void* pContext, size_t index,
+                              bool* pLeftAnnounced = nullptr);
     /// Makes room for `count` buffers. Throws std::bad_alloc.
     void Reserve(size_t count);
     /// Takes a buffer out of the pool, revokes and destroys it. One that the application holds lives on,

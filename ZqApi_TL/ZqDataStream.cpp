@@ -103,9 +103,13 @@ void CZqDataStream::StopEventAcquisitionThread() {
         m_pErrorEvent->Stop();
 }
 
+bool CZqDataStream::IsInsideCallback() const {
+    return m_CallbackManager.IsInsideRunCallback() || StreamCallbackScope::IsInside(this);
+}
+
 void CZqDataStream::RefuseInsideCallback(int line) const {
     // It would wait for a thread that is running the callback, or that waits for the callbacks' lock.
-    if (m_CallbackManager.IsInsideRunCallback())
+    if (IsInsideCallback())
         throw ReportError<GenICam::LogicalErrorException>(
             UNIT, line, "A data stream can't be stopped or released inside one of its own callbacks.");
 }

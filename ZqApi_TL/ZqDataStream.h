@@ -58,11 +58,14 @@ public:
 
 private:
     void Construct();
+    /// On a callback of the stream or of one of its buffers.
+    bool IsInsideCallback() const;
     void RefuseInsideCallback(int line) const;
 
     size_t PayloadSizeToAllocate();
     bool MustReplacePool(size_t payloadSize);
-    void AllocateBuffers();
+    /// Fills the pool; the result is how many buffers of an earlier start it kept, which come first.
+    size_t AllocateBuffers();
     void DeallocateBuffers();
     void FlushQueue(ACQ_QUEUE_TYPE mode);
 

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "ZqApi_TL/EventItem.h"
+#include "ZqApi_TL/StreamCallbackScope.h"
 #include "ZqApi_TL/Teardown.h"
 #include "ZqApi_TL/ZqEvent.h"
 #include "ZqSDKCommon/Error.h"
@@ -40,6 +41,7 @@ protected:
         if (id.size < sizeof(error))
             return;
         std::memcpy(&error, id.bytes.get(), sizeof(error));
+        const StreamCallbackScope scope(StreamCallbackScope::StreamOf(m_pModule));
         CZqCallbackParamGenTLError<TModule, TParam> param(m_CallbackType, m_pModule, error, value.Text());
         m_pCallbackManager->RunCallback(&param);
     }

@@ -15,7 +15,7 @@ constexpr const char* UNIT = "ZqApi_TL/ZqStreamBuffer";
 } // namespace
 
 CZqStreamBuffer::CZqStreamBuffer(CZqGenTLLib* pGenTL, IZqDataStreamInside* pDataStream, void* pBuffer,
-                                 size_t size, void* pUserContext, size_t index)
+                                 size_t size, void* pUserContext, size_t index, bool* pLeftAnnounced)
     : m_pCZqGenTL(pGenTL), m_pIZqDataStreamInside(pDataStream),
       m_BufferInfo(pGenTL,
                    (ZQ_ASSERT(UNIT, m_pCZqGenTL != NULL), ZQ_ASSERT(UNIT, m_pIZqDataStreamInside != NULL),
@@ -24,7 +24,13 @@ CZqStreamBuffer::CZqStreamBuffer(CZqGenTLLib* pGenTL, IZqDataStreamInside* pData
     try {
         ConvertBadAlloc(UNIT, __LINE__, [&] { Construct(index); });
     } catch (...) {
-        Teardown().Run([this] { DeleteInsideObjects(); });
+        bool revoked = false;
+        Teardown().Run([&] {
+            DeleteInsideObjects();
+            revoked = true;
+        });
+        if (pLeftAnnounced != nullptr)
+            *pLeftAnnounced = !revoked;
         throw;
     }
 }

@@ -19,8 +19,9 @@ class CZqStreamBuffer final : public IZqStreamBufferInside {
 public:
     /// Announces `pBuffer` of `size` bytes, or with null lets the producer allocate. Throws
     /// CZqGenTLErrorException and leaves nothing announced then.
+    /// `*pLeftAnnounced` becomes true when a failed construction could not revoke what it had announced.
     CZqStreamBuffer(CZqGenTLLib* pGenTL, IZqDataStreamInside* pDataStream, void* pBuffer, size_t size,
-                    void* pUserContext, size_t index);
+                    void* pUserContext, size_t index, bool* pLeftAnnounced = nullptr);
     ~CZqStreamBuffer();
     CZqStreamBuffer(const CZqStreamBuffer&) = delete;
     CZqStreamBuffer& operator=(const CZqStreamBuffer&) = delete;
