@@ -150,12 +150,13 @@ TEST_F(EventThread, HandsEachReceivedBlockOn) {
     const auto event = MakeEvent();
     Push("first");
     Push("second block");
+    Signal both;
     event->onReceive = [&] {
-        if (event->Received().size() < 2)
-            event->received.Reset();
+        if (event->Received().size() == 2)
+            both.Set();
     };
     event->Start();
-    EXPECT_TRUE(event->received.Wait());
+    EXPECT_TRUE(both.Wait());
     event->Stop();
     EXPECT_EQ(event->Received(), (Calls{"first", "second block"}));
 }
@@ -237,19 +238,19 @@ TEST_F(EventThread, DeniedAccessEndsTheThreadUntilItIsStopped) {
 
 TEST_F(EventThread, ExceptionOfAHandlerNeitherEndsNorAnnounces) {
     const auto event = MakeEvent();
+    Signal third;
     int calls = 0;
     event->onReceive = [&] {
-        event->received.Reset();
         if (++calls == 1)
             throw GenICam::RuntimeException("dropped", "here", 1, "RuntimeException");
         if (calls == 2)
             throw 42;
-        event->received.Set();
+        third.Set();
     };
     for (const char* block : {"1", "2", "3"})
         Push(block);
     event->Start();
-    EXPECT_TRUE(event->received.Wait());
+    EXPECT_TRUE(third.Wait());
     EXPECT_EQ(event->Received(), (Calls{"1", "2", "3"}));
     EXPECT_FALSE(Signal::WaitFor(event->GetErrorEvent(), 1));
 }

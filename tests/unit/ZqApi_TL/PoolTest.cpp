@@ -319,7 +319,7 @@ TEST_F(Pool, HeldBufferMayBeReleasedWhileItIsRevoked) {
     Buffer held = RetrieveNewFrame();
     Stop();
     producer.SetPayloadSize(8192);
-    const Latch latch(producer.Answer("DSRevokeBuffer").On("BUF1"));
+    const Latch latch(producer.Answer("DSRevokeBuffer").On("BUF1").OnCall(1));
     std::thread starting([this] { Start(); });
     EXPECT_TRUE(latch.WaitUntilHeld());
     held.reset();
