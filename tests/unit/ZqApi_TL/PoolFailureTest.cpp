@@ -253,6 +253,16 @@ TEST_F(PoolAllocator, FailedQueueingGivesBackWhatWasTaken) {
     EXPECT_EQ(allocator.deallocations, 3);
 }
 
+TEST_F(PoolAllocator, BlockThatCannotBeRevokedAfterAFailedConstructionComesBackAfterTheStreamIsClosed) {
+    expectNothingOpen = false;
+    producer.Answer("DevGetInfo").Command(DEVICE_INFO_ID).With(GC_ERR_IO);
+    producer.Answer("DSRevokeBuffer").With(GC_ERR_BUSY);
+    EXPECT_EQ(CatchProducerError([this] { Start(); }).text, "-1010 = DevGetInfo(PTR, 0, PTR, PTR, PTR)");
+    EXPECT_EQ(allocator.deallocations, 0);
+    stream.reset();
+    EXPECT_EQ(allocator.closesBefore, (std::vector<uint64_t>{1}));
+}
+
 TEST_F(PoolAllocator, FailedAnnouncementGivesItsBlockBack) {
     producer.Answer("DSAnnounceBuffer").OnCall(2).With(GC_ERR_INVALID_PARAMETER);
     const Thrown thrown = CatchProducerError([this] { Start(); });
