@@ -23,35 +23,12 @@ gcstring CZqDeviceInfo::GetDeviceInfoString(DEVICE_INFO_CMD command) const {
                      m_hDevice);
 }
 
-gcstring CZqDeviceInfo::GetID() const {
-    return GetDeviceInfoString(DEVICE_INFO_ID);
+int32_t CZqDeviceInfo::GetDeviceInfoInt32(DEVICE_INFO_CMD command) const {
+    return GetDeviceInfo<int32_t>(command);
 }
-gcstring CZqDeviceInfo::GetVendor() const {
-    return GetDeviceInfoString(DEVICE_INFO_VENDOR);
-}
-gcstring CZqDeviceInfo::GetModel() const {
-    return GetDeviceInfoString(DEVICE_INFO_MODEL);
-}
-gcstring CZqDeviceInfo::GetTLType() const {
-    return GetDeviceInfoString(DEVICE_INFO_TLTYPE);
-}
-gcstring CZqDeviceInfo::GetDisplayName() const {
-    return GetDeviceInfoString(DEVICE_INFO_DISPLAYNAME);
-}
-DEVICE_ACCESS_STATUS CZqDeviceInfo::GetAccessStatus() const {
-    return GetDeviceInfo<DEVICE_ACCESS_STATUS>(DEVICE_INFO_ACCESS_STATUS);
-}
-gcstring CZqDeviceInfo::GetUserDefinedName() const {
-    return GetDeviceInfoString(DEVICE_INFO_USER_DEFINED_NAME);
-}
-gcstring CZqDeviceInfo::GetSerialNumber() const {
-    return GetDeviceInfoString(DEVICE_INFO_SERIAL_NUMBER);
-}
-gcstring CZqDeviceInfo::GetVersion() const {
-    return GetDeviceInfoString(DEVICE_INFO_VERSION);
-}
-uint64_t CZqDeviceInfo::GetTimestampFrequency() const {
-    return GetDeviceInfo<uint64_t>(DEVICE_INFO_TIMESTAMP_FREQUENCY);
+
+uint64_t CZqDeviceInfo::GetDeviceInfoUInt64(DEVICE_INFO_CMD command) const {
+    return GetDeviceInfo<uint64_t>(command);
 }
 
 } // namespace ZqApi

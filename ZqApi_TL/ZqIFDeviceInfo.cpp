@@ -26,32 +26,13 @@ gcstring CZqIFDeviceInfo::GetDeviceInfoString(DEVICE_INFO_CMD command) const {
 gcstring CZqIFDeviceInfo::GetID() const {
     return m_DeviceID;
 }
-gcstring CZqIFDeviceInfo::GetVendor() const {
-    return GetDeviceInfoString(DEVICE_INFO_VENDOR);
+
+int32_t CZqIFDeviceInfo::GetDeviceInfoInt32(DEVICE_INFO_CMD command) const {
+    return GetDeviceInfo<int32_t>(command);
 }
-gcstring CZqIFDeviceInfo::GetModel() const {
-    return GetDeviceInfoString(DEVICE_INFO_MODEL);
-}
-gcstring CZqIFDeviceInfo::GetTLType() const {
-    return GetDeviceInfoString(DEVICE_INFO_TLTYPE);
-}
-gcstring CZqIFDeviceInfo::GetDisplayName() const {
-    return GetDeviceInfoString(DEVICE_INFO_DISPLAYNAME);
-}
-DEVICE_ACCESS_STATUS CZqIFDeviceInfo::GetAccessStatus() const {
-    return GetDeviceInfo<DEVICE_ACCESS_STATUS>(DEVICE_INFO_ACCESS_STATUS);
-}
-gcstring CZqIFDeviceInfo::GetUserDefinedName() const {
-    return GetDeviceInfoString(DEVICE_INFO_USER_DEFINED_NAME);
-}
-gcstring CZqIFDeviceInfo::GetSerialNumber() const {
-    return GetDeviceInfoString(DEVICE_INFO_SERIAL_NUMBER);
-}
-gcstring CZqIFDeviceInfo::GetVersion() const {
-    return GetDeviceInfoString(DEVICE_INFO_VERSION);
-}
-uint64_t CZqIFDeviceInfo::GetTimestampFrequency() const {
-    return GetDeviceInfo<uint64_t>(DEVICE_INFO_TIMESTAMP_FREQUENCY);
+
+uint64_t CZqIFDeviceInfo::GetDeviceInfoUInt64(DEVICE_INFO_CMD command) const {
+    return GetDeviceInfo<uint64_t>(command);
 }
 
 } // namespace ZqApi

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include <ZqApi/Device.h>
+#include "ZqApi_TL/DeviceInfoGetters.h"
 
 namespace ZqApi {
 
@@ -10,26 +10,19 @@ class CZqGenTLLib;
 
 /// IFGetDeviceInfo for a device that its interface sees, opened or not. An entry of the interface's device
 /// list.
-class CZqIFDeviceInfo final : public IZqDeviceInfo {
+class CZqIFDeviceInfo final : public DeviceInfoGetters {
 public:
     CZqIFDeviceInfo(CZqGenTLLib* pGenTL, IF_HANDLE hIF, gcstring deviceID)
         : m_pCZqGenTL(pGenTL), m_hIF(hIF), m_DeviceID(std::move(deviceID)) {}
 
     gcstring GetID() const override;
-    gcstring GetVendor() const override;
-    gcstring GetModel() const override;
-    gcstring GetTLType() const override;
-    gcstring GetDisplayName() const override;
-    DEVICE_ACCESS_STATUS GetAccessStatus() const override;
-    gcstring GetUserDefinedName() const override;
-    gcstring GetSerialNumber() const override;
-    gcstring GetVersion() const override;
-    uint64_t GetTimestampFrequency() const override;
 
 private:
+    gcstring GetDeviceInfoString(DEVICE_INFO_CMD command) const override;
+    int32_t GetDeviceInfoInt32(DEVICE_INFO_CMD command) const override;
+    uint64_t GetDeviceInfoUInt64(DEVICE_INFO_CMD command) const override;
     template <class T>
     T GetDeviceInfo(DEVICE_INFO_CMD command) const;
-    gcstring GetDeviceInfoString(DEVICE_INFO_CMD command) const;
 
     CZqGenTLLib* m_pCZqGenTL;
     IF_HANDLE m_hIF;

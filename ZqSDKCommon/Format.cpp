@@ -8,7 +8,7 @@
 namespace ZqApi {
 namespace {
 
-/// Conversion specification without its length, which the typed argument makes superfluous.
+/// A conversion without its length, which the typed argument makes superfluous.
 struct Placeholder {
     std::string flagsAndWidth;
     bool wide = false;
@@ -33,12 +33,12 @@ private:
 };
 
 template <class T>
-void AppendPrinted(std::string& text, const std::string& specification, T value) {
-    const int length = std::snprintf(nullptr, 0, specification.c_str(), value);
+void AppendPrinted(std::string& text, const std::string& pattern, T value) {
+    const int length = std::snprintf(nullptr, 0, pattern.c_str(), value);
     if (length <= 0)
         return;
     std::vector<char> buffer(static_cast<size_t>(length) + 1);
-    std::snprintf(buffer.data(), buffer.size(), specification.c_str(), value);
+    std::snprintf(buffer.data(), buffer.size(), pattern.c_str(), value);
     text.append(buffer.data(), static_cast<size_t>(length));
 }
 
@@ -73,32 +73,32 @@ void AppendText(std::string& text, const Placeholder& placeholder, const FormatA
 
 void AppendConverted(std::string& text, Placeholder placeholder, const FormatArgument& argument) {
     placeholder.flagsAndWidth.insert(0, 1, '%');
-    const std::string& specification = placeholder.flagsAndWidth;
+    const std::string& pattern = placeholder.flagsAndWidth;
     const char conversion = placeholder.conversion;
     switch (conversion) {
     case 'd':
     case 'i':
         return AppendPrinted(
-            text, specification + "lld",
+            text, pattern + "lld",
             static_cast<long long>(placeholder.wide ? argument.GetWide() : argument.GetSigned()));
     case 'u':
     case 'x':
     case 'X':
     case 'o':
         return AppendPrinted(
-            text, specification + "ll" + conversion,
+            text, pattern + "ll" + conversion,
             static_cast<unsigned long long>(placeholder.wide ? argument.GetWide() : argument.GetBits()));
     case 'c':
-        return AppendPrinted(text, specification + conversion, static_cast<int>(argument.GetSigned()));
+        return AppendPrinted(text, pattern + conversion, static_cast<int>(argument.GetSigned()));
     case 'e':
     case 'E':
     case 'f':
     case 'F':
     case 'g':
     case 'G':
-        return AppendPrinted(text, specification + conversion, argument.GetReal());
+        return AppendPrinted(text, pattern + conversion, argument.GetReal());
     case 'p':
-        return AppendPrinted(text, specification + conversion, argument.GetPointer());
+        return AppendPrinted(text, pattern + conversion, argument.GetPointer());
     case 's':
         return AppendText(text, placeholder, argument);
     default:
