@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <functional>
 
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
 
@@ -362,6 +363,31 @@ TEST_F(InsideCallback, ErrorCallbackCannotStopEither) {
     stream->StartEventAcquisitionThread();
     EXPECT_TRUE(producer.PushError("DS1", GC_ERR_IO, "broken"));
     EXPECT_TRUE(refused.Wait());
+}
+
+TEST_F(InsideCallback, CallbackOfABufferCannotStopEither) {
+    const Buffer buffer = [this] {
+        Start();
+        return RetrieveNewFrame();
+    }();
+    Signal done;
+    std::string refusals;
+    buffer->RegisterCallback(MakeCallback([&](IZqCallbackParamBase*) {
+        for (const auto& action : {std::function<void()>([this] { Stop(); }),
+                                   std::function<void()>([this] { stream->Release(); })}) {
+            try {
+                action();
+            } catch (const GenICam::LogicalErrorException&) {
+                refusals += "refused ";
+            }
+        }
+        done.Set();
+    }));
+    buffer->StartEventAcquisitionThread();
+    EXPECT_TRUE(producer.PushError("BUF1", GC_ERR_IO, "broken"));
+    EXPECT_TRUE(done.Wait());
+    EXPECT_EQ(refusals, "refused refused ");
+    EXPECT_EQ(producer.Count("DSStopAcquisition"), 0u);
 }
 
 TEST_F(Acquisition, TwoStartsAndStopsAtOnceExcludeEachOther) {

@@ -257,6 +257,32 @@ TEST_F(DeviceModule, CameraWithoutStartCommandIsNamed) {
     EXPECT_EQ(RemoteInteger("TLParamsLocked")->GetValue(), 0);
 }
 
+TEST_F(DeviceModule, CameraWithoutStopCommandIsNamed) {
+    producer.SetDescription("REMOTE", "camera.xml",
+                            CameraDescription("<Integer Name=\"TLParamsLocked\"><Value>0</Value></Integer>"
+                                              "<Command Name=\"AcquisitionStart\"><Value>0</Value>"
+                                              "<CommandValue>1</CommandValue></Command>"));
+    Open();
+    device->AcquisitionStart();
+    EXPECT_EQ(Catch<GenICam::RuntimeException>([&] { device->AcquisitionStop(); }).text,
+              "Node AcquisitionStop not found.");
+}
+
+TEST_F(DeviceModule, FailuresOfTheTeardownAreNotSeen) {
+    expectNothingOpen = false;
+    Open();
+    device->AcquisitionStart();
+    producer.Answer("GCWritePort").With(GC_ERR_IO);
+    producer.Answer("EventKill").With(GC_ERR_ERROR).AlsoRuns();
+    producer.Answer("GCUnregisterEvent").With(GC_ERR_ERROR).AlsoRuns();
+    producer.Answer("DevClose").With(GC_ERR_ERROR).AlsoRuns();
+    producer.ClearLog();
+    EXPECT_NO_THROW(device.reset());
+    EXPECT_EQ(producer.Log("EventKill").size(), 5u);
+    EXPECT_EQ(producer.Log("GCUnregisterEvent").size(), 5u);
+    EXPECT_EQ(producer.Log("DevClose").size(), 1u);
+}
+
 TEST_F(DeviceModule, ProducerIsAskedToNotifyALoss) {
     Open();
     EXPECT_EQ(producer.GetRegister<uint32_t>("DEV1", Scripted::EventSelector), 1u);

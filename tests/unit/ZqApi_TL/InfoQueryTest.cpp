@@ -105,6 +105,12 @@ TEST_F(InfoQueries, ProducersTextFollowsOnlyItsOwnCode) {
               "-1010 = TLGetInfo(PTR, 1, PTR, PTR, PTR)");
 }
 
+TEST_F(InfoQueries, FailedQueryIsTriedAgain) {
+    producer.Answer("TLGetInfo").Command(TL_INFO_VENDOR).OnCall(1).With(GC_ERR_IO);
+    EXPECT_EQ(CatchProducerError([&] { Info().GetVendor(); }).error, -1010);
+    EXPECT_STREQ(Info().GetVendor().c_str(), "Scripted");
+}
+
 class InfoWithoutTLGetInfo : public ModuleTree {
 protected:
     InfoWithoutTLGetInfo() : ModuleTree("without_TLGetInfo") {}

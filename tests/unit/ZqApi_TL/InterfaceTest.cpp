@@ -70,6 +70,16 @@ TEST_F(InterfaceModule, TimeoutIsStoredAndPassedUnchecked) {
     EXPECT_EQ(producer.Log("IFUpdateDeviceList").back(), "IFUpdateDeviceList(IF1, 7)");
 }
 
+TEST_F(InterfaceModule, FailingInterfaceInformationIsReported) {
+    Offer("GEV");
+    const IZqInterfaceInfo* const info = Open()->GetIZqInterfaceInfo();
+    producer.Answer("IFGetInfo").Command(INTERFACE_INFO_DISPLAYNAME).With(GC_ERR_NOT_AVAILABLE);
+    const Thrown thrown = CatchProducerError([&] { info->GetDisplayName(); });
+    EXPECT_EQ(thrown.text, "-1014 = IFGetInfo(PTR, 1, PTR, PTR, PTR)");
+    EXPECT_EQ(thrown.function, "IFGetInfo");
+    EXPECT_EQ(thrown.source, "ZqApi_TL/ZqInterfaceInfo");
+}
+
 class EuresysInterface : public InterfaceModule {
 protected:
     EuresysInterface() : InterfaceModule("euresys") {}

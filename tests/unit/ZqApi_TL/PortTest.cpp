@@ -275,6 +275,65 @@ TEST_F(Ports, ChunkDecodingIsMissingOpenly) {
     EXPECT_NO_THROW(port.DetachChunkBuffer());
 }
 
+constexpr const char* TWO_FEATURES =
+    "<RegisterDescription ModelName=\"M\" VendorName=\"V\" StandardNameSpace=\"None\" "
+    "SchemaMajorVersion=\"1\" "
+    "SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" MajorVersion=\"1\" MinorVersion=\"0\" "
+    "SubMinorVersion=\"0\"><Category "
+    "Name=\"Root\"><pFeature>Branch</pFeature><pFeature>Other</pFeature></Category>"
+    "<Category Name=\"Branch\"><pFeature>Leaf</pFeature></Category><Integer "
+    "Name=\"Other\"><Value>1</Value></Integer>"
+    "<Integer Name=\"Leaf\"><pValue>LeafReg</pValue></Integer><IntReg "
+    "Name=\"LeafReg\"><Address>0x40</Address>"
+    "<Length>4</Length><AccessMode>RW</AccessMode><pPort>TLPort</pPort><Endianess>LittleEndian</Endianess></"
+    "IntReg>"
+    "<Port Name=\"TLPort\"/></RegisterDescription>";
+
+TEST_F(Ports, SubTreeIsANodeMapOfItsOwnOnTheSameRegisters) {
+    producer.SetDescription("TL1", "two.xml", TWO_FEATURES);
+    CZqPort& port = Port();
+    GenApi::CNodeMapRef subTree;
+    port.CreateSubTreeNodeMap("Branch", subTree, false);
+    EXPECT_EQ(subTree._GetNode("Other"), nullptr);
+    GenApi::CIntegerPtr leaf = subTree._GetNode("Leaf");
+    leaf->SetValue(77);
+    EXPECT_EQ(producer.GetRegister<uint32_t>("TL1", 0x40), 77u);
+    EXPECT_STREQ(subTree._GetDeviceName().c_str(), "Test");
+    EXPECT_EQ(producer.Log("GCReadPort").size(), 1u);
+}
+
+TEST_F(Ports, FileNameEndsAtItsLastBackslash) {
+    producer.SetDescription("TL1", "dir\\sub\\cam.xml", TWO_FEATURES);
+    EXPECT_STREQ(Port().GetXMLFileName().c_str(), "cam.xml");
+    producer.SetDescription("TL1", "///cam.xml", TWO_FEATURES);
+    EXPECT_STREQ(Port().GetXMLFileName().c_str(), "///cam.xml");
+}
+
+TEST_F(Ports, SaveKeepsEveryByteOfAFileNamedZip) {
+    const std::string bytes = TWO_FEATURES + std::string(3, '\0');
+    producer.SetDescription("TL1", "camera.zip", bytes);
+    Port().SaveXMLFile(TempFile().c_str());
+    EXPECT_EQ(Contents(TempFile()), bytes);
+    std::remove(TempFile().c_str());
+}
+
+TEST_F(Ports, FailingDataQueriesAreReportedLikeTheSizeQuery) {
+    producer.Answer("GCGetPortInfo").DataQuery().With(GC_ERR_IO);
+    producer.Answer("GCGetPortURLInfo").DataQuery().With(GC_ERR_IO);
+    CZqPort& port = Port();
+    EXPECT_EQ(CatchProducerError([&] { port.GetIZqPortInfo()->GetVendor(); }).text,
+              "-1010 = GCGetPortInfo(PTR, 1, PTR, PTR, PTR)");
+    const Thrown thrown = CatchProducerError([&] { port.GetIZqPortURLInfo()->GetURL(); });
+    EXPECT_EQ(thrown.text, "-1010 = GCGetPortURLInfo(PTR, 0, 0, PTR, PTR, PTR)");
+    EXPECT_EQ(thrown.function, "GCGetPortURLInfo");
+}
+
+TEST_F(Ports, AbsurdSizeOfATextIsAnAllocationFailure) {
+    producer.Answer("GCGetPortInfo").SizeQuery().Size(SIZE_MAX);
+    EXPECT_EQ(Catch<GenICam::BadAllocException>([&] { Port().GetIZqPortInfo()->GetID(); }).text,
+              "std::bad_alloc");
+}
+
 class PortsWithoutUrlCount : public Ports {
 protected:
     PortsWithoutUrlCount() : Ports("without_GCGetNumPortURLs") {}
