@@ -68,11 +68,11 @@ EZqPixelFormatNamingConvention_t CZqSpecificPixelInfo::GetValue() const {
 }
 
 gcstring CZqSpecificPixelInfo::GetName() const {
-    return m_Row.name;
+    return ConvertBadAlloc(UNIT, __LINE__, [this] { return gcstring(m_Row.name); });
 }
 
 gcstring CZqSpecificPixelInfo::GetDescription() const {
-    return m_Row.description;
+    return ConvertBadAlloc(UNIT, __LINE__, [this] { return gcstring(m_Row.description); });
 }
 
 size_t CZqSpecificPixelInfo::GetEachPixelTotalBitCount() const {

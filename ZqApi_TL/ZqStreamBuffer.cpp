@@ -163,15 +163,14 @@ void CZqStreamBuffer::RevokeBuffer() {
         CallProducer(m_pCZqGenTL->DSRevokeBuffer, hDataStream, hBuffer, &pBuffer, &pPrivate);
     m_hStreamBuffer = nullptr;
     m_BufferInfo.SetBufferHandle(nullptr);
-    if (result == GC_ERR_SUCCESS) {
-        m_pCZqPort.reset();
-        return;
-    }
-    const CZqGenTLErrorException error = ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "DSRevokeBuffer",
-                                                       "%d = DSRevokeBuffer(0x%p, 0x%p, 0x%p, 0x%p)", result,
-                                                       hDataStream, hBuffer, &pBuffer, &pPrivate);
+    Teardown revoke;
+    revoke.Run([&] {
+        CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSRevokeBuffer",
+                      "%d = DSRevokeBuffer(0x%p, 0x%p, 0x%p, 0x%p)", result, hDataStream, hBuffer, &pBuffer,
+                      &pPrivate);
+    });
     m_pCZqPort.reset();
-    throw error;
+    revoke.RethrowFirst();
 }
 
 } // namespace ZqApi

@@ -12,10 +12,13 @@ constexpr const char* UNIT = "ZqSDKCommon/CLockBySemaphore";
 
 CZqLinuxErrorException InitialisationError(int line, int error, const char* functionName,
                                            const char* format) {
-    // The thread functions return their error; the report reads errno.
-    errno = error;
-    return CZqLinuxErrorExceptionReporter(UNIT, line, KindOf<CZqLinuxErrorException>())
-        .Report(error, functionName, format, error, SystemErrorText(error));
+    return ConvertBadAlloc(UNIT, line, [&] {
+        const std::string text = SystemErrorText(error);
+        // The thread functions return their error; the report reads errno.
+        errno = error;
+        return CZqLinuxErrorExceptionReporter(UNIT, line, KindOf<CZqLinuxErrorException>())
+            .Report(error, functionName, format, error, text);
+    });
 }
 
 } // namespace

@@ -8,6 +8,8 @@
 namespace ZqApi {
 namespace {
 
+constexpr const char* UNIT = "ZqSDKCommon/Error";
+
 // strerror_r returns the text in one C library and a code in another.
 [[maybe_unused]] const char* TextOf(const char* text, const char*) {
     return text;
@@ -32,7 +34,7 @@ CZqGenTLErrorException::CZqGenTLErrorException(GC_ERROR error, const char* funct
 CZqGenTLErrorException::~CZqGenTLErrorException() noexcept = default;
 
 gcstring CZqGenTLErrorException::GetFunctionName() const {
-    return m_FunctionName;
+    return ConvertBadAlloc(UNIT, __LINE__, [this] { return m_FunctionName; });
 }
 
 GC_ERROR CZqGenTLErrorException::GetError() const {
@@ -48,7 +50,7 @@ CZqLinuxErrorException::CZqLinuxErrorException(int error, const char* functionNa
 CZqLinuxErrorException::~CZqLinuxErrorException() noexcept = default;
 
 gcstring CZqLinuxErrorException::GetFunctionName() const {
-    return m_FunctionName;
+    return ConvertBadAlloc(UNIT, __LINE__, [this] { return m_FunctionName; });
 }
 
 int CZqLinuxErrorException::GetError() const {

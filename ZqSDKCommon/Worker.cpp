@@ -41,7 +41,7 @@ public:
         sigfillset(&blocked);
         for (const int synchronous : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
             sigdelset(&blocked, synchronous);
-        pthread_sigmask(SIG_SETMASK, &blocked, &m_Former);
+        pthread_sigmask(SIG_BLOCK, &blocked, &m_Former);
     }
     ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &m_Former, nullptr); }
     SignalBlock(const SignalBlock&) = delete;
@@ -49,6 +49,18 @@ public:
 
 private:
     sigset_t m_Former;
+};
+
+/// Set while it lives, also when the body is left by a cancelled thread's unwinding.
+class RunningMark {
+public:
+    explicit RunningMark(std::atomic<uint32_t>& running) : m_Running(running) { m_Running.store(1); }
+    ~RunningMark() { m_Running.store(0); }
+    RunningMark(const RunningMark&) = delete;
+    RunningMark& operator=(const RunningMark&) = delete;
+
+private:
+    std::atomic<uint32_t>& m_Running;
 };
 
 } // namespace
@@ -116,9 +128,8 @@ void CWorker::ThreadStart() {
     ApplyPriority();
     SetOwnName();
     const MutexLock run(m_RunMutex);
-    m_Running.store(1);
+    const RunningMark mark(m_Running);
     mWork();
-    m_Running.store(0);
 }
 
 void CWorker::SetOwnName() const {
@@ -126,7 +137,10 @@ void CWorker::SetOwnName() const {
         return;
     const size_t prefix = std::strlen(NAME_PREFIX);
     const char* const name = std::strncmp(m_Name, NAME_PREFIX, prefix) == 0 ? m_Name + prefix : m_Name;
-    pthread_setname_np(pthread_self(), std::string(name).substr(0, LONGEST_NAME).c_str());
+    // No allocation: there is nobody on this thread to catch its failure.
+    char cut[LONGEST_NAME + 1] = {};
+    std::strncpy(cut, name, LONGEST_NAME);
+    pthread_setname_np(pthread_self(), cut);
 }
 
 void CWorker::ClampPriority() {

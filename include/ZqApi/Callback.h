@@ -113,7 +113,8 @@ protected:
 class IZqCallback {
 public:
     /// Called on one of the module's event threads for every event; callbacks of one module never run at the
-    /// same time. Must not let an exception out: that ends the process. May register and deregister on its
+    /// same time. Must not let an exception out, nor end its thread (pthread_exit): either ends
+    /// the process. May register and deregister on its
     /// module, itself included, but not stop or release it.
     virtual void Invoke(IZqCallbackParamBase* pParam) = 0;
     /// The module gives the object up; must not throw.

@@ -14,7 +14,8 @@ public:
     virtual void StartEventAcquisitionThread() = 0;
     /// Stops the module's event threads and then throws the first failure, CZqGenTLErrorException when the
     /// producer could not interrupt a wait. An interface is the exception: it stops its error events, but
-    /// starts its module events.
+    /// starts its module events. A data stream refuses by GenICam::LogicalErrorException inside
+    /// one of its callbacks; on its own thread an event is only asked to stop.
     virtual void StopEventAcquisitionThread() = 0;
 
 protected:

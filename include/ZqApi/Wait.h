@@ -28,10 +28,11 @@ ZQAPI_API uint32_t WaitForSingleObject(void* handle, unsigned int milliseconds);
 /// Waits until one of `count` events (with `waitAll`: every one) is signalled, up to `milliseconds`.
 ///
 /// Takes the signal of every self-resetting event found signalled, not only of the one reported; a blocking
-/// wait does so even when it reports WAIT_TIMEOUT. A wait that loses its signal to another thread reports
-/// WAIT_TIMEOUT early, with INFINITE too. A null handle counts as an event that is never signalled.
-/// Any thread, no initialisation needed. Throws GenICam::BadAllocException, without text, when the system is
-/// out of resources; never for up to eight handles otherwise.
+/// wait does so even when it reports WAIT_TIMEOUT. A test (0 ms) for all that another thread is faster with
+/// puts back what it took, so an event may look unset to a third thread for that moment. A wait that loses
+/// its signal to another thread reports WAIT_TIMEOUT early, with INFINITE too. A null handle counts as an
+/// event that is never signalled. Any thread, no initialisation needed. Throws GenICam::BadAllocException,
+/// without text, when the system is out of resources; never for up to eight handles otherwise.
 ZQAPI_API uint32_t WaitForMultipleObjects(unsigned int count, void* const* handles, bool waitAll,
                                           unsigned int milliseconds);
 

@@ -111,7 +111,11 @@ TEST(EventObject, ClosedIgnoresSetAndReset) {
 // Four threads poll. Each signal is set after the last one was taken and every thread has looked again, so
 // that none merges with another and no second taker stays unnoticed.
 TEST(EventObject, EverySignalIsTakenOnce) {
+#ifdef ZQAPI_SANITIZED
+    constexpr int signals = 10000;
+#else
     constexpr int signals = 100000;
+#endif
     CEventObject event(nullptr, AUTOMATIC, false, nullptr);
     std::atomic<int> taken{0};
     std::atomic<bool> done{false};
