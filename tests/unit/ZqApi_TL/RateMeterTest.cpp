@@ -120,13 +120,13 @@ TEST_F(RateMeters, CurrentTimeIsInMilliseconds) {
 
 TEST(RateMeter, UsesASteadyClockUnlessToldOtherwise) {
     CFPS fps;
-    const double before = fps.GetCurrentMSec();
     fps.Rcv();
-    while (fps.GetCurrentMSec() - before < 1)
+    const double afterFirst = fps.GetCurrentMSec();
+    while (fps.GetCurrentMSec() - afterFirst < 10)
         std::this_thread::yield();
     fps.Rcv();
     EXPECT_GT(fps.GetFPS(), 0);
-    EXPECT_LE(fps.GetFPS(), 1100);
+    EXPECT_LE(fps.GetFPS(), 101);
 }
 
 TEST(RateMeter, MayBeReadWhileRecording) {
