@@ -14,7 +14,9 @@ build: deps
 	$(call CONFIGURE,release)
 	cmake --build --preset release -j $(JOBS)
 
-demo: build
+demo: deps
+	$(call CONFIGURE,release)
+	cmake --build --preset release -j $(JOBS) --target zq zqgentl
 	@scripts/demo.sh build/release
 
 test: deps test-release test-asan test-tsan
