@@ -19,5 +19,7 @@ write_basic_package_version_file("${CMAKE_BINARY_DIR}/ZqApiConfigVersion.cmake" 
 install(FILES "${CMAKE_BINARY_DIR}/ZqApiConfig.cmake" "${CMAKE_BINARY_DIR}/ZqApiConfigVersion.cmake"
     DESTINATION "${ZQAPI_PACKAGE_DIR}")
 
+# The prefix is told from where the file lies, so that it holds wherever the installation is put.
+file(RELATIVE_PATH ZQAPI_PREFIX_FROM_PC "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(cmake/zqapi.pc.in "${CMAKE_BINARY_DIR}/zqapi.pc" @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/zqapi.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -20,8 +20,9 @@ std::string Line(const IZqPixelFormatInfo& info) {
            std::to_string(info.GetPlaneCount()) + "|" +
            pair(info.GetPixelIncrementX(), info.GetPixelIncrementY()) + "|" +
            std::to_string(info.GetLinePitchAlignment()) + "|" +
-           std::to_string(static_cast<uint32_t>(info.GetPixelColorFilter(0, 0))) + "|" + flag(info.IsColor()) +
-           flag(info.IsBayer()) + flag(info.IsBGROrder()) + flag(info.IsGevSp()) + "\n";
+           std::to_string(static_cast<uint32_t>(info.GetPixelColorFilter(0, 0))) + "|" +
+           flag(info.IsColor()) + flag(info.IsBayer()) + flag(info.IsBGROrder()) + flag(info.IsGevSp()) +
+           "\n";
 }
 
 /// FNV-1a, 64 bits.
