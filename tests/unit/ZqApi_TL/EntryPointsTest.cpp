@@ -188,6 +188,19 @@ TEST(EntryPoints, FailedAllocationIsReportedAndKeepsTheCount) {
     EXPECT_EXIT(FailTheFirstInitialisation(), testing::ExitedWithCode(0), "");
 }
 
+TEST(EntryPoints, ComponentCatalogueThatCouldNotBeAllocatedCountsAsNotInitialized) {
+    {
+        // Behind the 98 records of the first catalogue, within the 44 of the second.
+        const FailingAllocation failing(215);
+        EXPECT_EQ(Catch<GenICam::BadAllocException>([] { ZqApiInitialize(ZqApiBuildVersion); }).text,
+                  "std::bad_alloc");
+    }
+    EXPECT_EQ(GetZqApiVersion(), 0x01000005u);
+    EXPECT_EQ(Catch<GenICam::RuntimeException>([] { GetIZqPixelComponentInfo(ZqPixelComponent_Mono8); }).text,
+              NOT_INITIALIZED);
+    EXPECT_NO_THROW(ZqApiTerminate());
+}
+
 TEST(EntryPoints, SystemAllocationFailureHasTheAllocatorsText) {
     const ScriptedProducer producer;
     const Library library;

@@ -110,6 +110,13 @@ TEST(EventObject, ClosedIgnoresSetAndReset) {
 
 // Four threads poll. Each signal is set after the last one was taken and every thread has looked again, so
 // that none merges with another and no second taker stays unnoticed.
+TEST(EventObject, LookAtABusyEventDoesNotWait) {
+    CEventObject event(nullptr, MANUAL, false, nullptr);
+    pthread_mutex_lock(&event.mutex);
+    std::thread([&] { EXPECT_EQ(WaitForSingleObject(&event, 0), WAIT_TIMEOUT); }).join();
+    pthread_mutex_unlock(&event.mutex);
+}
+
 TEST(EventObject, EverySignalIsTakenOnce) {
 #ifdef ZQAPI_SANITIZED
     constexpr int signals = 10000;
