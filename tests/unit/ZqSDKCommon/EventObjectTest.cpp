@@ -119,7 +119,7 @@ TEST(EventObject, LookAtABusyEventDoesNotWait) {
 
 TEST(EventObject, EverySignalIsTakenOnce) {
 #ifdef ZQAPI_SANITIZED
-    constexpr int signals = 10000;
+    constexpr int signals = 2000;
 #else
     constexpr int signals = 100000;
 #endif
