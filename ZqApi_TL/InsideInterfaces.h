@@ -47,9 +47,13 @@ public:
     /// Shared, because a reader that waits on it may outlast the device's teardown.
     const std::shared_ptr<CEventObject>& GetDeviceLostEvent() const { return m_pDeviceLostEvent; }
 
+    /// What every open stream holds a share of, so that a device can tell that one outlives it.
+    const std::shared_ptr<const void>& GetStreamToken() const { return m_pStreamToken; }
+
 protected:
     ~IZqDeviceInside() = default;
     std::shared_ptr<CEventObject> m_pDeviceLostEvent;
+    std::shared_ptr<const void> m_pStreamToken;
 };
 
 class IZqDataStreamInside;

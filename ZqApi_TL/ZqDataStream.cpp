@@ -19,8 +19,8 @@ CZqDataStream::CZqDataStream(CZqGenTLLib* pGenTL, IZqDeviceInside* pDevice, DS_H
     : m_pCZqGenTL(pGenTL), m_pIZqDeviceInside(pDevice),
       m_pKeptGenTL((ZQ_ASSERT(UNIT, m_pCZqGenTL != NULL), pGenTL->shared_from_this())),
       m_pDeviceLostEvent((ZQ_ASSERT(UNIT, m_pIZqDeviceInside != NULL), pDevice->GetDeviceLostEvent())),
-      m_hDataStream(hDataStream), m_DataStreamInfo(pGenTL, hDataStream, pDevice, &m_Delivered),
-      m_Pool(pGenTL, this, pAllocator) {
+      m_pStreamToken(pDevice->GetStreamToken()), m_hDataStream(hDataStream),
+      m_DataStreamInfo(pGenTL, hDataStream, pDevice, &m_Delivered), m_Pool(pGenTL, this, pAllocator) {
     ConvertBadAlloc(UNIT, __LINE__, [this] { Construct(); });
 }
 

@@ -99,6 +99,7 @@ private:
     const std::shared_ptr<CZqGenTLLib> m_pKeptGenTL;
     // A reader may still wait on it while the device is being torn down.
     const std::shared_ptr<CEventObject> m_pDeviceLostEvent;
+    const std::shared_ptr<const void> m_pStreamToken;
     DS_HANDLE m_hDataStream;
     DeliveredQueue m_Delivered;
     CZqDataStreamInfo m_DataStreamInfo;

@@ -1,5 +1,7 @@
 #include "ZqApi_TL/ZqDevice.h"
 
+#include <cassert>
+
 #include "ZqApi_TL/NodeLookup.h"
 #include "ZqApi_TL/OptionalEvent.h"
 #include "ZqApi_TL/Teardown.h"
@@ -39,6 +41,7 @@ CZqDevice::CZqDevice(CZqGenTLLib* pCZqGenTL, IZqInterfaceInside* pIZqInterfaceIn
 
 void CZqDevice::Construct() {
     m_pDeviceLostEvent = std::make_shared<CEventObject>(nullptr, true, false, nullptr);
+    m_pStreamToken = std::make_shared<char>();
     UpdateDataStreamList();
     m_pLocalPort =
         std::make_unique<CZqPort>(m_pCZqGenTL, m_hDevice, GenApi::RW, gcstring("LocalDevice_") + m_DeviceID);
@@ -94,6 +97,9 @@ void CZqDevice::CreateEvents() {
 }
 
 CZqDevice::~CZqDevice() {
+    // An application that releases a device before its streams breaks the contract; say so where it is
+    // tested.
+    assert(m_pStreamToken.use_count() == 1 && "a stream of the device is still open");
     Teardown().Run([this] { DeleteInsideObjects(); });
     if (m_hDevice != nullptr)
         CallProducer(m_pCZqGenTL->DevClose, m_hDevice);

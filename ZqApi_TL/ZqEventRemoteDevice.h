@@ -7,7 +7,7 @@
 
 namespace ZqApi {
 
-/// /// Brings the events that the camera itself sends into its node map, by the adapter of its transport.
+/// Brings the events that the camera itself sends into its node map, by the adapter of its transport.
 ///
 /// Not there yet: producers that deliver the bare item instead of the transport's packet.
 class CZqEventRemoteDevice final : public CZqEvent {

@@ -132,6 +132,10 @@ TEST_F(BadDescription, PlainOneNamedZipOpens) {
     EXPECT_EQ(OpenWith("camera.zip", CAMERA), "opened");
 }
 
+TEST_F(BadDescription, ZippedOneNamedXmlIsCutAtItsFirstNul) {
+    EXPECT_NE(OpenWith("camera.xml", Zipped("camera.xml", CAMERA)), "opened");
+}
+
 TEST_F(BadDescription, TruncatedAnywhereIsRefused) {
     const std::string whole = CAMERA;
     for (size_t length = 0; length < whole.size() - 25; length += 37)

@@ -1,5 +1,6 @@
 #include <functional>
 
+#include "ZqApi_TL/EventItem.h"
 #include "ZqApi_TL/NodeLookup.h"
 #include "tests/unit/ZqApi_TL/LoadedProducer.h"
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
@@ -94,6 +95,34 @@ TEST_F(FeatureEvents, ChangeThatIsRefusedDoesNotStopLaterOnes) {
     Change("Width", std::string("333", 4));
     ASSERT_TRUE(Eventually([this] { return WidthRegister() == 333; }));
     EXPECT_EQ(producer.Log("GCWritePort"), (Calls{"GCWritePort(REMOTE1, 0x100, 4d010000)"}));
+}
+
+using EventItems = LoadedProducer;
+
+TEST_F(EventItems, UnreadableOneIsReportedWithItsBlock) {
+    EVENT_HANDLE hEvent = nullptr;
+    ASSERT_EQ(CallProducer(genTL->GCRegisterEvent, hTL, EVENT_MODULE, &hEvent), GC_ERR_SUCCESS);
+    PushedEvent event;
+    event.id = "0001";
+    ASSERT_TRUE(producer.Push("TL1", EVENT_MODULE, event));
+    uint8_t bytes[64];
+    size_t size = sizeof bytes;
+    ASSERT_EQ(CallProducer(genTL->EventGetData, hEvent, static_cast<void*>(bytes), &size, uint64_t{1000}),
+              GC_ERR_SUCCESS);
+    const EventBlock block{genTL.get(), "ZqApi_TL/Unit", hEvent, bytes, size};
+    const auto fails = [&] {
+        const Thrown thrown = CatchProducerError([&] { ReadEventItem(block, EVENT_DATA_ID); });
+        EXPECT_EQ(thrown.source, "ZqApi_TL/Unit");
+        EXPECT_EQ(thrown.function, "EventGetDataInfo");
+        EXPECT_EQ(thrown.error, GC_ERR_IO);
+        return thrown.text;
+    };
+    producer.Answer("EventGetDataInfo").OnCall(1).With(GC_ERR_IO);
+    EXPECT_EQ(fails(), "-1010 = EventGetDataInfo(PTR, PTR, 8, 0, PTR, PTR, PTR)");
+    producer.Answer("EventGetDataInfo").DataQuery().OnCall(1).With(GC_ERR_IO).Saying("gone");
+    EXPECT_EQ(fails(), "-1010 = EventGetDataInfo(PTR, PTR, 8, 0, PTR, PTR, PTR) gone");
+    EXPECT_STREQ(ReadEventItem(block, EVENT_DATA_ID).Text().c_str(), "0001");
+    CallProducer(genTL->GCUnregisterEvent, hTL, EVENT_MODULE);
 }
 
 TEST_F(FeatureEvents, MissingNodeIsNamed) {

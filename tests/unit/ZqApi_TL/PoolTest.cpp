@@ -301,6 +301,21 @@ TEST_F(Pool, HeldBufferOutlivesTheReplacementOfThePool) {
     EXPECT_EQ(producer.Log(), Calls());
 }
 
+TEST_F(Pool, FailingFlushFailsTheReplacementAndTheNextStartSucceeds) {
+    Start();
+    Stop();
+    producer.SetPayloadSize(8192);
+    producer.Answer("DSFlushQueue").OnCall(1).With(GC_ERR_IO).AlsoRuns().Saying("stuck");
+    const Thrown thrown = CatchProducerError([this] { Start(); });
+    EXPECT_EQ(thrown.text, "-1010 = DSFlushQueue(PTR, 4) stuck");
+    EXPECT_EQ(thrown.source, "ZqApi_TL/ZqDataStream");
+    EXPECT_EQ(thrown.function, "DSFlushQueue");
+    EXPECT_EQ(thrown.error, GC_ERR_IO);
+    EXPECT_EQ(producer.Log("DSRevokeBuffer").size(), 6u);
+    Start();
+    EXPECT_TRUE(RetrieveNewFrame());
+}
+
 TEST_F(Pool, TornDownBufferHasNoEventAndNoHandle) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     Start();

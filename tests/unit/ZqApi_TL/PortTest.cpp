@@ -21,6 +21,7 @@ protected:
     }
 
     void TearDown() override {
+        m_XMLFile.reset();
         m_Port.reset();
         CallProducer(m_Lib->TLClose, m_hTL);
         m_Lib.reset();
@@ -33,10 +34,27 @@ protected:
         return *m_Port;
     }
 
+    /// A description file reader on the same module.
+    CZqXMLFile& XMLFile() {
+        if (!m_XMLFile)
+            m_XMLFile = std::make_unique<CZqXMLFile>(m_Lib.get(), m_hTL, GenApi::RW, gcstring("Test"));
+        return *m_XMLFile;
+    }
+
+    /// Lets the module offer these bytes; the URL that it tells then.
+    gcstring Served(const std::string& fileName, const std::string& bytes) {
+        producer.SetDescription("TL1", fileName, bytes);
+        return Port().GetIZqPortURLInfo()->GetURL();
+    }
+
+    CZqGenTLLib* Lib() { return m_Lib.get(); }
+    PORT_HANDLE PortHandle() { return m_hTL; }
+
 private:
     std::shared_ptr<CZqGenTLLib> m_Lib = std::make_shared<CZqGenTLLib>("libzqgentl.cti");
     TL_HANDLE m_hTL = nullptr;
     std::unique_ptr<CZqPort> m_Port;
+    std::unique_ptr<CZqXMLFile> m_XMLFile;
 };
 
 std::string TempFile() {
@@ -315,6 +333,43 @@ TEST_F(Ports, SaveKeepsEveryByteOfAFileNamedZip) {
     Port().SaveXMLFile(TempFile().c_str());
     EXPECT_EQ(Contents(TempFile()), bytes);
     std::remove(TempFile().c_str());
+}
+
+TEST_F(Ports, PlainFileOfNothingButNulsIsSavedEmpty) {
+    XMLFile().LoadXMLFile(Served("nothing.xml", std::string(16, '\0')));
+    XMLFile().SaveToFile(TempFile().c_str());
+    EXPECT_EQ(Contents(TempFile()), "");
+    std::remove(TempFile().c_str());
+}
+
+TEST_F(Ports, NameTooShortForAnEndingFailsBehindTheLoad) {
+    const gcstring url = Served("ab", TWO_FEATURES);
+    EXPECT_THROW(XMLFile().LoadXMLFile(url), GenICam::OutOfRangeException);
+    EXPECT_STREQ(XMLFile().GetXMLFileName().c_str(), "ab");
+    EXPECT_EQ(XMLFile().GetNodeMap(), nullptr);
+}
+
+TEST_F(Ports, NothingIsLoadedBeforeTheFirstLoadNorAfterAFailedOne) {
+    const auto check = [this] {
+        EXPECT_EQ(Catch<GenICam::RuntimeException>([this] { XMLFile().GetXMLFileName(); }).text,
+                  "XML File is not loaded.");
+        EXPECT_EQ(Catch<GenICam::RuntimeException>([this] { XMLFile().SaveToFile("x"); }).text,
+                  "XML File is not loaded.");
+    };
+    check();
+    const gcstring url = Served("cam.xml", TWO_FEATURES);
+    XMLFile().LoadXMLFile(url);
+    producer.Answer("GCReadPort").With(GC_ERR_IO);
+    EXPECT_EQ(CatchProducerError([&] { XMLFile().LoadXMLFile(url); }).text,
+              "-1010 = GCReadPort(PTR, 65536, PTR, PTR)");
+    check();
+}
+
+TEST_F(Ports, UrlOfOldProducersComesFromTheirOwnFunction) {
+    const gcstring url = Served("old.xml", TWO_FEATURES);
+    producer.ClearLog();
+    EXPECT_STREQ(CZqXMLFile::GetURL(Lib(), PortHandle()).c_str(), url.c_str());
+    EXPECT_EQ(producer.Log("GCGetPortURLInfo"), Calls{});
 }
 
 TEST_F(Ports, FailingDataQueriesAreReportedLikeTheSizeQuery) {

@@ -181,7 +181,17 @@ TEST(MultiWait, InsideResultNamesAnyIndex) {
     EXPECT_EQ(first.index, 258u);
     const WaitResult second = WaitMultiple(events.size(), events.data(), false, 1);
     EXPECT_EQ(second.kind, WaitResult::TimedOut);
-    EXPECT_EQ(WaitMultiple(0, events.data(), false, 1).kind, WaitResult::Failed);
+}
+
+TEST(MultiWait, BadArgumentsFailAndTakeNoSignal) {
+    CEventObject event(nullptr, false, true, nullptr);
+    CEventObject* events[] = {&event};
+    void* handles[] = {&event};
+    EXPECT_EQ(WaitMultiple(0, events, false, 1).kind, WaitResult::Failed);
+    EXPECT_EQ(WaitForMultipleObjects(0, handles, false, 0), WAIT_FAILED);
+    EXPECT_EQ(WaitForMultipleObjects(1, nullptr, true, 0), WAIT_FAILED);
+    EXPECT_EQ(WaitForSingleObject(nullptr, 0), WAIT_FAILED);
+    EXPECT_EQ(WaitForSingleObject(&event, 0), WAIT_OBJECT_0);
 }
 
 TEST(MultiWait, AllocatesNothingForEightEvents) {

@@ -83,6 +83,17 @@ TEST(Worker, StopRequestIsSeenInsideAndStaysUntilTheNextStart) {
     EXPECT_FALSE(worker.IsStopRequest(0));
 }
 
+TEST(Worker, ClosingStopRequestHasNoHandleAndIsNeverSet) {
+    Worker worker;
+    auto* const request = static_cast<CEventObject*>(worker.GetStopRequestEvent());
+    request->SetEvent();
+    EXPECT_TRUE(worker.IsStopRequest(0));
+    request->Close();
+    EXPECT_EQ(worker.GetStopRequestEvent(), nullptr);
+    EXPECT_FALSE(worker.IsStopRequest(0));
+    EXPECT_FALSE(worker.IsStopRequest(INFINITE));
+}
+
 TEST(Worker, StartOnARunningOneRestartsIt) {
     std::atomic<int> inside{0};
     std::atomic<int> most{0};
