@@ -4,6 +4,14 @@ if(ZQAPI_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
 endif()
 
+# A fuzzer sees only what is instrumented for it, so that everything is.
+if(ZQAPI_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        message(FATAL_ERROR "ZQAPI_FUZZ needs clang: libFuzzer is a part of it.")
+    endif()
+    set(ZQAPI_SANITIZE "fuzzer-no-link,address,undefined")
+endif()
+
 # Sanitizers want line numbers and speed, and every frame in a report.
 set(CMAKE_C_FLAGS_SANITIZE "-O1 -g -fno-omit-frame-pointer")
 set(CMAKE_CXX_FLAGS_SANITIZE "-O1 -g -fno-omit-frame-pointer")
