@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             u3v.DeliverMessage(data + 1, length);
         else
             generic.DeliverMessage(data + 1, length, uint64_t{0x9001});
-    } catch (const GenICam::GenericException&) {
+    } catch (const GenICam::InvalidArgumentException&) {
         // What is no event is refused.
     }
     ReadAll(*map._Ptr);

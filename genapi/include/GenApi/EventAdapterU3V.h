@@ -10,7 +10,10 @@ public:
     explicit CEventAdapterU3V(INodeMap* pNodeMap = nullptr);
     ~CEventAdapterU3V() override;
 
-    /// Not implemented: RuntimeException.
+    /// Takes a whole event packet with all its items, or one bare item, which begins with the word in front
+    /// of the event ID; which of the two is seen from the bytes. The port's address 0 is the first byte of
+    /// the item. Bytes behind the packet are ignored. InvalidArgumentException when it is neither; nothing
+    /// has been delivered then.
     void DeliverMessage(const uint8_t msg[], uint32_t numBytes) override;
 };
 
