@@ -115,13 +115,23 @@ void CZqDataStream::ThrowThreadError(CZqEventNewBuffer& thread) {
                         thread.GetReceiveBufferSize(), thread.GetReceiveTimeout());
 }
 
+bool CZqDataStream::MayHaveChunks(CZqStreamBuffer& buffer) {
+    const CZqStreamBufferInfo& info = buffer.GetInfo();
+    if (info.IsIncomplete())
+        return false;
+    const size_t payloadType = info.GetPayloadType();
+    if (payloadType == PAYLOAD_TYPE_CHUNK_DATA || payloadType == PAYLOAD_TYPE_CHUNK_ONLY)
+        return true;
+    // Since GenTL 1.5 every payload type may carry chunks.
+    return buffer.HasChunkAdapter() && info.HasChunkData();
+}
+
 void CZqDataStream::AttachChunks(CZqStreamBuffer& buffer) {
     try {
-        if (buffer.GetInfo().IsIncomplete())
-            return;
-        const size_t payloadType = buffer.GetInfo().GetPayloadType();
-        if (payloadType == PAYLOAD_TYPE_CHUNK_DATA || payloadType == PAYLOAD_TYPE_CHUNK_ONLY)
+        if (MayHaveChunks(buffer))
             buffer.AttachChunkBuffer();
+        else
+            buffer.DetachChunkBuffer();
     } catch (const std::exception&) {
         // What can't be read as chunk data is a frame all the same.
         buffer.DetachChunkBuffer();

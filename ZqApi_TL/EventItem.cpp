@@ -14,7 +14,7 @@ namespace {
 template <class Failed>
 EventItem Read(const EventBlock& block, EVENT_DATA_INFO_CMD command, Failed failed) {
     EventItem item;
-    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
+    INFO_DATATYPE& type = item.type;
     size_t size = 0;
     const auto ask = [&](void* data) {
         item.result = CallProducer(block.pGenTL->EventGetDataInfo, block.hEvent, block.pBuffer, block.size,
@@ -43,6 +43,15 @@ EventItem Read(const EventBlock& block, EVENT_DATA_INFO_CMD command, Failed fail
 gcstring EventItem::Text() const {
     const char* text = reinterpret_cast<const char*>(bytes.get());
     return text == nullptr ? gcstring() : gcstring(text, strnlen(text, size));
+}
+
+bool EventItem::ReadNumber(uint64_t& number) const {
+    const bool integer = type >= INFO_DATATYPE_INT16 && type <= INFO_DATATYPE_UINT64;
+    if (!IsPresent() || !integer || size == 0 || size > sizeof number)
+        return false;
+    number = 0;
+    std::memcpy(&number, bytes.get(), size);
+    return true;
 }
 
 EventItem TryReadEventItem(const EventBlock& block, EVENT_DATA_INFO_CMD command) {

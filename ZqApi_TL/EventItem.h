@@ -14,10 +14,13 @@ struct EventItem {
     GC_ERROR result = GC_ERR_NOT_AVAILABLE;
     std::unique_ptr<uint8_t[]> bytes;
     size_t size = 0;
+    INFO_DATATYPE type = INFO_DATATYPE_UNKNOWN;
 
     bool IsPresent() const { return result == GC_ERR_SUCCESS; }
     /// The bytes up to the first NUL.
     gcstring Text() const;
+    /// The value when it was told as an integer type; false for everything else.
+    bool ReadNumber(uint64_t& number) const;
 };
 
 /// A received event block and who received it.

@@ -87,7 +87,8 @@ private:
     };
 
     CZqStreamBuffer* TakeDelivered(Acquisition& acquisition);
-    void AttachChunks(CZqStreamBuffer& buffer);
+    static bool MayHaveChunks(CZqStreamBuffer& buffer);
+    static void AttachChunks(CZqStreamBuffer& buffer);
     void ThrowThreadError(CZqEventNewBuffer& thread);
     void CountRates(CZqStreamBuffer& buffer);
     size_t CountedBytes(CZqStreamBuffer& buffer);

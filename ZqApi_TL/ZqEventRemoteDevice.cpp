@@ -1,6 +1,10 @@
 #include "ZqApi_TL/ZqEventRemoteDevice.h"
 
+#include <cstring>
+
+#include "ZqApi_TL/EventItem.h"
 #include "ZqApi_TL/Teardown.h"
+#include "ZqApi_TL/TransportAdapters.h"
 
 namespace ZqApi {
 namespace {
@@ -8,12 +12,20 @@ namespace {
 // Camera events must not wait behind acquisition work.
 constexpr int PRIORITY = 90;
 
-std::unique_ptr<GenApi::CEventAdapter> MakeEventAdapter(const gcstring& tlType, INodeMap* pNodeMap) {
-    if (tlType == TLTypeU3VName)
-        return std::make_unique<GenApi::CEventAdapterU3V>(pNodeMap);
-    if (tlType == TLTypeGEVName)
-        return std::make_unique<GenApi::CEventAdapterGEV>(pNodeMap);
-    return std::make_unique<GenApi::CEventAdapterGeneric>(pNodeMap);
+constexpr const char* UNIT = "ZqApi_TL/ZqEventRemoteDevice";
+
+/// Whether the bytes begin like a whole event packet of GigE Vision or USB3 Vision.
+bool IsTransportPacket(const uint8_t* bytes, size_t size) {
+    constexpr size_t GVCP_HEADER = 8;
+    if (size >= GVCP_HEADER && bytes[0] == 0x42 && bytes[2] == 0x00 && (bytes[3] == 0xC0 || bytes[3] == 0xC2))
+        return size - GVCP_HEADER >= static_cast<size_t>(bytes[4] << 8 | bytes[5]);
+    constexpr uint8_t U3V_EVENT_PREFIX[] = {0x55, 0x33, 0x56, 0x45};
+    return size >= sizeof U3V_EVENT_PREFIX &&
+           std::memcmp(bytes, U3V_EVENT_PREFIX, sizeof U3V_EVENT_PREFIX) == 0;
+}
+
+bool IsTransportPacket(const EventItem& value) {
+    return value.IsPresent() && IsTransportPacket(value.bytes.get(), value.size);
 }
 
 } // namespace
@@ -21,7 +33,8 @@ std::unique_ptr<GenApi::CEventAdapter> MakeEventAdapter(const gcstring& tlType, 
 CZqEventRemoteDevice::CZqEventRemoteDevice(CZqGenTLLib* pGenTL, IZqDeviceInside* pDevice, const char* name)
     : CZqEvent(pGenTL, pDevice->GetDeviceHandle(), EVENT_REMOTE_DEVICE, name), m_pIZqDeviceInside(pDevice),
       m_pCEventAdapter(MakeEventAdapter(pDevice->GetIZqDeviceInfo()->GetTLType(),
-                                        pDevice->GetRemoteIZqPort()->GetINodeMap())) {
+                                        pDevice->GetRemoteIZqPort()->GetINodeMap())),
+      m_ItemAdapter(pDevice->GetRemoteIZqPort()->GetINodeMap()) {
     SetPriority(PRIORITY);
 }
 
@@ -33,7 +46,36 @@ CZqEventRemoteDevice::~CZqEventRemoteDevice() {
 }
 
 void CZqEventRemoteDevice::OnRcvEvent(void* pBuffer, size_t iSize) {
-    m_pCEventAdapter->DeliverMessage(static_cast<const uint8_t*>(pBuffer), static_cast<uint32_t>(iSize));
+    const auto* const bytes = static_cast<const uint8_t*>(pBuffer);
+    if (!IsTransportPacket(bytes, iSize) && DeliverItem(pBuffer, iSize))
+        return;
+    m_pCEventAdapter->DeliverMessage(bytes, static_cast<uint32_t>(iSize));
+}
+
+bool CZqEventRemoteDevice::DeliverItem(const void* pBuffer, size_t iSize) {
+    const EventBlock block{m_pCZqGenTL, UNIT, GetEventHandle(), pBuffer, iSize};
+    const EventItem id = TryReadEventItem(block, EVENT_DATA_ID);
+    const EventItem value = TryReadEventItem(block, EVENT_DATA_VALUE);
+    if (IsTransportPacket(value)) {
+        m_pCEventAdapter->DeliverMessage(value.bytes.get(), static_cast<uint32_t>(value.size));
+        return true;
+    }
+    // An event without a payload still invalidates its nodes; the adapter wants an address all the same.
+    const uint8_t nothing = 0;
+    const uint8_t* const item = value.IsPresent() ? value.bytes.get() : &nothing;
+    const auto itemSize = static_cast<uint32_t>(value.size);
+    uint64_t number = 0;
+    if (id.ReadNumber(number)) {
+        m_ItemAdapter.DeliverMessage(item, itemSize, number);
+    } else if (const gcstring text = id.Text(); !text.empty()) {
+        m_ItemAdapter.DeliverMessage(item, itemSize, text);
+    } else {
+        const EventItem numericId = TryReadEventItem(block, EVENT_DATA_NUMID);
+        if (!numericId.ReadNumber(number))
+            return false;
+        m_ItemAdapter.DeliverMessage(item, itemSize, number);
+    }
+    return true;
 }
 
 } // namespace ZqApi

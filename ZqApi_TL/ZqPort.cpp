@@ -1,5 +1,6 @@
 #include "ZqApi_TL/ZqPort.h"
 
+#include "ZqApi_TL/TransportAdapters.h"
 #include "ZqGenTLCommon/ZqGenTLError.h"
 #include "ZqGenTLCommon/ZqGenTLLib.h"
 #include "ZqSDKCommon/Error.h"
@@ -8,10 +9,6 @@ namespace ZqApi {
 namespace {
 
 constexpr const char* UNIT = "ZqApi_TL/ZqPort";
-
-[[noreturn]] void ThrowChunkDecodingMissing(int line) {
-    throw ReportError<GenICam::RuntimeException>(UNIT, line, "Chunk decoding is not implemented yet.");
-}
 
 } // namespace
 
@@ -85,22 +82,42 @@ PORT_HANDLE CZqPort::GetPortHandle() const {
     return m_hPort;
 }
 
-void CZqPort::AttachChunkBuffer(uint8_t*, int64_t) {
-    ThrowChunkDecodingMissing(__LINE__);
+void CZqPort::AttachChunkBuffer(uint8_t* pBuffer, int64_t length) {
+    if (!m_pChunkAdapter) {
+        const gcstring tlType = m_PortInfo.GetTLType();
+        INodeMap* const pNodeMap = GetINodeMap();
+        m_pChunkAdapter = ConvertBadAlloc(UNIT, __LINE__, [&] { return MakeChunkAdapter(tlType, pNodeMap); });
+    }
+    ConvertBadAlloc(UNIT, __LINE__, [&] { m_pChunkAdapter->AttachBuffer(pBuffer, length, nullptr); });
 }
 
-void CZqPort::DetachChunkBuffer() {}
+void CZqPort::DetachChunkBuffer() {
+    if (m_pChunkAdapter)
+        m_pChunkAdapter->DetachBuffer();
+}
 
 void CZqPort::CreateSubTreeNodeMap(gcstring rootName, GenApi::CNodeMapRef& nodeMapRef, bool subTreeFlag) {
     CreatedXMLFile().CreateSubTreeNodeMap(rootName, nodeMapRef, subTreeFlag);
 }
 
-void CZqPort::CreateNodeMapFactoryForChunkData(bool) {
-    ThrowChunkDecodingMissing(__LINE__);
+void CZqPort::CreateNodeMapFactoryForChunkData(bool subTreeFlag) {
+    INodeMap* const pNodeMap = CreatedXMLFile().GetNodeMap();
+    if (pNodeMap == nullptr)
+        throw ReportError<GenICam::LogicalErrorException>(UNIT, __LINE__, "NULL pointer dereferenced");
+    for (const char* const rootName : {"ChunkData", "ChunkDataControl"}) {
+        if (pNodeMap->GetNode(rootName) == nullptr)
+            continue;
+        const std::lock_guard<std::mutex> lock(m_CreationMutex);
+        if (!m_XMLFile.HasFactoryForChunkData())
+            ConvertBadAlloc(UNIT, __LINE__,
+                            [&] { m_XMLFile.CreateNodeMapFactoryForChunkData(rootName, subTreeFlag); });
+        return;
+    }
 }
 
-void CZqPort::CreateSubTreeNodeMapForChunkData(GenApi::CNodeMapRef&) {
-    ThrowChunkDecodingMissing(__LINE__);
+void CZqPort::CreateSubTreeNodeMapForChunkData(GenApi::CNodeMapRef& nodeMapRef) {
+    CreateNodeMapFactoryForChunkData(true);
+    ConvertBadAlloc(UNIT, __LINE__, [&] { m_XMLFile.CreateSubTreeNodeMapForChunkData(nodeMapRef); });
 }
 
 void CZqPort::Read(void* pBuffer, int64_t address, int64_t length) {

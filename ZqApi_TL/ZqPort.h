@@ -1,6 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <mutex>
+
+#include <GenApi/ChunkAdapter.h>
 
 #include "ZqApi_TL/InsideInterfaces.h"
 #include "ZqApi_TL/ZqPortInfo.h"
@@ -52,6 +55,8 @@ private:
     GenApi::EAccessMode m_AccessMode;
     std::mutex m_CreationMutex;
     CZqXMLFile m_XMLFile;
+    // Bound to the node map, so it goes first.
+    std::unique_ptr<GenApi::CChunkAdapter> m_pChunkAdapter;
 };
 
 } // namespace ZqApi

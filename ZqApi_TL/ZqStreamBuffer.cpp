@@ -20,7 +20,7 @@ CZqStreamBuffer::CZqStreamBuffer(CZqGenTLLib* pGenTL, IZqDataStreamInside* pData
       m_BufferInfo(pGenTL,
                    (ZQ_ASSERT(UNIT, m_pCZqGenTL != NULL), ZQ_ASSERT(UNIT, m_pIZqDataStreamInside != NULL),
                     pDataStream->GetDataStreamHandle())),
-      m_Image(this), m_pBuffer(pBuffer), m_Size(size), m_pUserContext(pUserContext) {
+      m_Image(this), m_Chunks(*this), m_pBuffer(pBuffer), m_Size(size), m_pUserContext(pUserContext) {
     try {
         ConvertBadAlloc(UNIT, __LINE__, [&] { Construct(index); });
     } catch (...) {
@@ -107,9 +107,10 @@ IZqImage* CZqStreamBuffer::GetIZqImage() {
 }
 
 INodeMap* CZqStreamBuffer::GetChunkINodeMap() {
-    if (m_ChunkNodeMap._Ptr == nullptr)
+    INodeMap* const pNodeMap = m_Chunks.GetNodeMap();
+    if (pNodeMap == nullptr)
         throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "Not found a node map for chunk.");
-    return m_ChunkNodeMap._Ptr;
+    return pNodeMap;
 }
 
 IZqDataStreamInside* CZqStreamBuffer::GetIZqDataStreamInside() const {
@@ -121,14 +122,18 @@ BUFFER_HANDLE CZqStreamBuffer::GetBufferHandle() const {
 }
 
 void CZqStreamBuffer::AttachChunkBuffer() {
-    if (!m_bChunkAttached)
-        PrepareChunkDecode();
+    if (m_Chunks.IsAttached())
+        return;
+    PrepareChunkDecode();
+    m_Chunks.Attach();
 }
 
-void CZqStreamBuffer::DetachChunkBuffer() {}
+void CZqStreamBuffer::DetachChunkBuffer() {
+    m_Chunks.Detach();
+}
 
 void CZqStreamBuffer::PrepareChunkDecode() {
-    throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "Chunk decoding is not implemented yet.");
+    m_Chunks.Prepare(m_pCZqGenTL, *m_pIZqDataStreamInside->GetIZqDeviceInside());
 }
 
 void CZqStreamBuffer::Release() {
@@ -147,6 +152,7 @@ void CZqStreamBuffer::StopEventAcquisitionThread() {
 
 void CZqStreamBuffer::DeleteInsideObjects() {
     Teardown().Run([this] { StopEventAcquisitionThread(); });
+    m_Chunks.DeleteAdapter();
     RevokeBuffer();
 }
 
@@ -154,7 +160,6 @@ void CZqStreamBuffer::RevokeBuffer() {
     if (m_hStreamBuffer == nullptr)
         return;
     m_pErrorEvent.reset();
-    m_bChunkAttached = false;
     const DS_HANDLE hDataStream = m_pIZqDataStreamInside->GetDataStreamHandle();
     const BUFFER_HANDLE hBuffer = m_hStreamBuffer;
     void* pBuffer = nullptr;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "ZqApi_TL/InsideInterfaces.h"
+#include "ZqApi_TL/StreamBufferChunks.h"
 #include "ZqApi_TL/ZqEventError.h"
 #include "ZqApi_TL/ZqPort.h"
 #include "ZqApi_TL/ZqStreamBufferImage.h"
@@ -58,7 +59,9 @@ public:
     bool IsLent() const { return m_bLent; }
     void SetLent(bool lent) { m_bLent = lent; }
     /// Forgets that chunk data was attached: the memory holds another frame now.
-    void ForgetChunkBuffer() { m_bChunkAttached = false; }
+    void ForgetChunkBuffer() { m_Chunks.Forget(); }
+    /// Whether its chunk data could be read, if a frame had any.
+    bool HasChunkAdapter() const { return m_Chunks.HasAdapter(); }
 
 private:
     void Construct(size_t index);
@@ -70,8 +73,7 @@ private:
     BUFFER_HANDLE m_hStreamBuffer = nullptr;
     CZqStreamBufferInfo m_BufferInfo;
     CZqStreamBufferImage m_Image;
-    GenApi::CNodeMapRef m_ChunkNodeMap;
-    std::atomic<bool> m_bChunkAttached{false};
+    StreamBufferChunks m_Chunks;
     void* m_pBuffer;
     const size_t m_Size;
     void* const m_pUserContext;

@@ -285,14 +285,6 @@ TEST_F(Ports, TwoFirstUsersBuildOneNodeMap) {
     EXPECT_EQ(producer.Log("GCReadPort").size(), 1u);
 }
 
-TEST_F(Ports, ChunkDecodingIsMissingOpenly) {
-    CZqPort& port = Port();
-    uint8_t byte = 0;
-    EXPECT_EQ(Catch<GenICam::RuntimeException>([&] { port.AttachChunkBuffer(&byte, 1); }).text,
-              "Chunk decoding is not implemented yet.");
-    EXPECT_NO_THROW(port.DetachChunkBuffer());
-}
-
 constexpr const char* TWO_FEATURES =
     "<RegisterDescription ModelName=\"M\" VendorName=\"V\" StandardNameSpace=\"None\" "
     "SchemaMajorVersion=\"1\" "

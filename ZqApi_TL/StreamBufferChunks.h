@@ -1,0 +1,63 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include <GenApi/ChunkAdapterGeneric.h>
+#include <GenApi/NodeMapRef.h>
+#include <ZqApi/Types.h>
+
+#include "ZqApi_TL/ZqStreamBufferInfo.h"
+
+namespace ZqApi {
+
+class CZqStreamBuffer;
+class IZqDeviceInside;
+
+/// The chunk data of one stream buffer: a node map of its own, made from the camera's chunk features, and the
+/// adapter that binds it to the buffer's bytes.
+///
+/// A member of its buffer. Attaching and detaching belong to whoever holds the buffer, one thread at a time.
+class StreamBufferChunks {
+public:
+    explicit StreamBufferChunks(const CZqStreamBuffer& buffer) : m_Buffer(buffer) {}
+    StreamBufferChunks(const StreamBufferChunks&) = delete;
+    StreamBufferChunks& operator=(const StreamBufferChunks&) = delete;
+
+    /// Makes node map and adapter unless they exist; neither when the camera describes no chunks.
+    void Prepare(CZqGenTLLib* pGenTL, IZqDeviceInside& device);
+    bool HasAdapter() const { return m_pAdapter != nullptr; }
+    /// Null when there is none.
+    INodeMap* GetNodeMap() const { return m_NodeMap._Ptr; }
+
+    bool IsAttached() const { return m_bAttached; }
+    /// Binds the node map to what the buffer holds now. Throws what the producer or the adapter refuses, with
+    /// nothing attached then.
+    void Attach();
+    void Detach();
+    /// The memory is about to hold another frame: the next hand-out attaches anew.
+    void Forget() { m_bAttached = false; }
+    /// Detaches and deletes the adapter; the node map stays, its chunk features not available.
+    void DeleteAdapter();
+
+private:
+    void AttachBytes();
+    void AttachAsListed(GenApi::CChunkAdapterGeneric& adapter, uint8_t* base);
+    size_t QueryChunkList(SINGLE_CHUNK_DATA* list, size_t count);
+
+    const CZqStreamBuffer& m_Buffer;
+    CZqGenTLLib* m_pCZqGenTL = nullptr;
+    GenApi::CNodeMapRef m_NodeMap;
+    std::unique_ptr<GenApi::CChunkAdapter> m_pAdapter;
+    // The adapter where the producer has to tell the layout, else null.
+    GenApi::CChunkAdapterGeneric* m_pGenericAdapter = nullptr;
+    std::vector<SINGLE_CHUNK_DATA> m_ListedChunks;
+    std::vector<GenApi::SingleChunkData_t> m_Chunks;
+    // Set per frame; the adapter may still hold the layout of the frame before.
+    std::atomic<bool> m_bAttached{false};
+    bool m_bLayoutHeld = false;
+};
+
+} // namespace ZqApi
