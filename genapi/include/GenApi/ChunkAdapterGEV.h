@@ -4,8 +4,8 @@
 
 namespace GENAPI_NAMESPACE {
 
-/// Reads the chunk layout of GigE Vision. Not implemented: CheckBufferLayout and AttachBuffer throw
-/// RuntimeException.
+/// Reads the chunk layout of GigE Vision: each chunk is followed by its ID and length, most significant byte
+/// first.
 class GENAPI_API CChunkAdapterGEV : public CChunkAdapter {
 public:
     explicit CChunkAdapterGEV(INodeMap* pNodeMap = nullptr, int64_t MaxChunkCacheSize = -1);

@@ -4,8 +4,8 @@
 
 namespace GENAPI_NAMESPACE {
 
-/// Reads the chunk layout of USB3 Vision. Not implemented: CheckBufferLayout and AttachBuffer throw
-/// RuntimeException.
+/// Reads the chunk layout of USB3 Vision: each chunk is followed by its ID and length, least significant byte
+/// first.
 class GENAPI_API CChunkAdapterU3V : public CChunkAdapter {
 public:
     explicit CChunkAdapterU3V(INodeMap* pNodeMap = nullptr, int64_t MaxChunkCacheSize = -1);

@@ -23,6 +23,7 @@ Engine::Engine(std::shared_ptr<const Description> description)
         else
             state.integer = source->initial.AsInteger();
     }
+    FindChunkPorts();
 }
 
 // A file can make every node ask its neighbour twice, and so on: without a budget that doubles with every
@@ -42,7 +43,7 @@ void Engine::AttachEvent(NodeIndex port, const uint8_t* data, size_t size) {
     PortState& state = Port(port);
     if (size > 0) {
         state.bytes.assign(data, data + size);
-        state.attached = true;
+        state.hasBytes = true;
     }
     Changed(port);
 }

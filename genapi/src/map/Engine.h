@@ -19,7 +19,13 @@ public:
 
     const Description& GetDescription() const { return *m_description; }
     const NodeDescription& Node(NodeIndex node) const { return m_description->nodes[node]; }
-    NodeState& State(NodeIndex node) { return m_states[node]; }
+    /// What is kept in it is not out of date.
+    NodeState& State(NodeIndex node) {
+        NodeState& state = m_states[node];
+        if (state.behindChunk && (state.epoch != m_chunks.epoch || m_chunks.idsVolatile))
+            Renew(state);
+        return state;
+    }
     std::string Name(NodeIndex node) const { return std::string(Node(node).name); }
 
     // Access modes
@@ -76,10 +82,23 @@ public:
     PortState& Port(NodeIndex port) { return m_ports[Node(port).port->slot]; }
     void Connect(NodeIndex port, IPort* implementation);
     void AttachEvent(NodeIndex port, const uint8_t* data, size_t size);
+    /// True when events or chunks are the port's register space.
+    bool HoldsData(NodeIndex port);
     void PortRead(NodeIndex port, void* buffer, Place place);
     void PortWrite(NodeIndex port, const void* buffer, Place place);
     /// Somebody has written past the registers.
     void PortWritten(NodeIndex port, Place place);
+
+    // Chunks. The buffer is not copied, but for ports that ask for it.
+    /// Gives each chunk port the last of the chunks with its ID, if there is any.
+    void AttachChunks(const uint8_t* base, const std::vector<ChunkPlace>& chunks, int64_t maxCopy);
+    /// The buffer of the last layout lies elsewhere now. False when there is no layout.
+    bool MoveChunks(const uint8_t* base, int64_t maxCopy);
+    void DetachChunks();
+    /// Also drops the layout and all copies.
+    void DropChunks();
+    void DropChunkCopies();
+    const ChunkBuffer& Chunks() const { return m_chunks; }
 
     // Invalidation
     /// The node has been changed from outside: what depends on it is stale.
@@ -90,7 +109,7 @@ public:
     void Poll(int64_t elapsed);
     /// The nodes with callbacks that have changed since the last call, each once.
     std::vector<NodeIndex> TakeChanged();
-    void SetHasCallbacks(NodeIndex node, bool has) { m_states[node].hasCallbacks = has; }
+    void SetHasCallbacks(NodeIndex node, bool has);
 
     /// While it lives, reads go past the cache (or, with false, use it again).
     class CacheUse {
@@ -129,7 +148,7 @@ private:
     Modes SourceModes(NodeIndex node);
     Modes FormulaModes(NodeIndex node);
     Modes PortModes(NodeIndex port);
-    bool IsInsideEvent(NodeIndex node);
+    bool IsInsideData(NodeIndex node);
     Truth Ask(NodeIndex predicate);
     std::string WhyNot(NodeIndex node, bool write, int depth);
     std::string WhyBaseNot(NodeIndex node, bool write, int depth);
@@ -143,6 +162,19 @@ private:
     Number VariableValue(const VariableReference& variable);
     [[noreturn]] void NoNumber(NodeIndex node) const;
     void RequireBuilt(NodeIndex node) const;
+
+    void FindChunkPorts();
+    std::optional<uint64_t> ChunkIdOf(NodeIndex port);
+    void MatchChunks();
+    void TakeLayout(const std::vector<ChunkPlace>& chunks);
+    void CopyChunks(int64_t maxCopy);
+    void ChunksChanged();
+    void ChunkIdsMayHaveChanged();
+    void Renew(NodeState& state) const;
+    const ChunkPlace* ChunkOf(NodeIndex port);
+    const uint8_t* DataAt(NodeIndex port, Place place);
+    std::optional<int64_t> Whereabouts(NodeIndex port, Place place);
+    void ReadData(NodeIndex port, void* buffer, Place place);
 
     int64_t LengthOf(NodeIndex node);
     void ReadRegister(NodeIndex node, Place place, uint8_t* bytes);
@@ -183,6 +215,7 @@ private:
     std::vector<Number> m_tableValues;
     std::vector<std::string> m_texts;
     std::vector<PortState> m_ports;
+    ChunkBuffer m_chunks;
     std::unordered_map<NodeIndex, ImposedLimits> m_imposed;
     std::map<std::tuple<NodeIndex, int64_t, int64_t>, uint64_t>
         m_written; ///< to registers that can't be read

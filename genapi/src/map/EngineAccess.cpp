@@ -51,7 +51,7 @@ void Engine::ImposeMode(NodeIndex node, EAccessMode mode) {
 }
 
 Engine::Modes Engine::ModesOf(NodeIndex node) {
-    NodeState& state = m_states[node];
+    NodeState& state = State(node);
     if (state.modeKept)
         return {static_cast<EAccessMode>(state.mode), static_cast<EAccessMode>(state.modeOverPort)};
     constexpr int kMaxDepth = 200;
@@ -159,17 +159,16 @@ Engine::Modes Engine::RegisterModes(NodeIndex node) {
     if (reg.lengthNode != kNoNode && !IsReadableNode(reg.lengthNode))
         return {NA, NA};
     const Modes port = ModesOf(reg.port);
-    if (Port(reg.port).attached && !IsInsideEvent(node))
+    if (HoldsData(reg.port) && !IsInsideData(node))
         return {NA, NA};
     return {Combine(reg.mode, port.real), Combine(reg.mode, port.overPort)};
 }
 
-bool Engine::IsInsideEvent(NodeIndex node) {
+bool Engine::IsInsideData(NodeIndex node) {
     try {
         const Place place = Locate(node);
-        const size_t size = Port(Node(node).reg->port).bytes.size();
-        return place.address >= 0 && static_cast<uint64_t>(place.address) <= size &&
-               static_cast<uint64_t>(place.length) <= size - static_cast<uint64_t>(place.address);
+        const NodeIndex port = Node(node).reg->port;
+        return DataAt(port, place) || Whereabouts(port, place);
     } catch (const GENICAM_NAMESPACE::GenericException&) {
         return false;
     }
@@ -177,7 +176,7 @@ bool Engine::IsInsideEvent(NodeIndex node) {
 
 Engine::Modes Engine::PortModes(NodeIndex port) {
     const PortState& state = Port(port);
-    if (state.attached)
+    if (HoldsData(port))
         return {RO, RO};
     if (!state.implementation)
         return {NA, NA};
@@ -258,8 +257,10 @@ std::string Engine::WhyBaseNot(NodeIndex node, bool write, int depth) {
                 return because(term.node, false);
         if (write ? !IsWritable(reg.mode) : !IsReadable(reg.mode))
             return "its register is " + Text(reg.mode);
-        if (Port(reg.port).attached)
-            return write ? "events can't be written" : "the event is too short";
+        if (HoldsData(reg.port))
+            return write ? "events and chunks can't be written" : "the data of its port is too short";
+        if (Node(reg.port).port->isChunk && !Port(reg.port).implementation)
+            return "no attached buffer has the chunk of '" + Name(reg.port) + "'";
         return Port(reg.port).implementation ? "port '" + Name(reg.port) + "' is " + Text(Mode(reg.port))
                                              : "port '" + Name(reg.port) + "' is not connected";
     }

@@ -44,6 +44,9 @@ void Engine::Spread(const std::vector<NodeIndex>& from) {
             m_open.push_back(dependent);
         }
     }
+    for (const NodeIndex id : m_chunks.idNodes)
+        if (m_states[id].visit == m_visit)
+            return ChunkIdsMayHaveChanged();
 }
 
 void Engine::Changed(NodeIndex node) {
@@ -70,6 +73,7 @@ void Engine::Invalidate(NodeIndex node) {
 void Engine::InvalidateAll() {
     for (NodeIndex i = 0; i < m_states.size(); ++i)
         Drop(i);
+    m_chunks.idsChanged = !m_chunks.idNodes.empty();
 }
 
 std::vector<NodeIndex> Engine::TakeChanged() {

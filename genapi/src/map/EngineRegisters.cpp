@@ -55,14 +55,8 @@ Place Engine::Locate(NodeIndex node) {
 
 void Engine::PortRead(NodeIndex port, void* buffer, Place place) {
     PortState& state = Port(port);
-    if (state.attached) {
-        const size_t size = state.bytes.size();
-        if (place.address < 0 || static_cast<uint64_t>(place.address) > size ||
-            static_cast<uint64_t>(place.length) > size - static_cast<uint64_t>(place.address))
-            throw ACCESS_EXCEPTION("The data of port '%s' ends at %zu, before %lld bytes at %lld.",
-                                   Name(port).c_str(), size, static_cast<long long>(place.length),
-                                   static_cast<long long>(place.address));
-        std::memcpy(buffer, state.bytes.data() + place.address, static_cast<size_t>(place.length));
+    if (HoldsData(port)) {
+        ReadData(port, buffer, place);
         return;
     }
     if (!state.implementation)
@@ -74,7 +68,7 @@ void Engine::PortRead(NodeIndex port, void* buffer, Place place) {
 
 void Engine::PortWrite(NodeIndex port, const void* buffer, Place place) {
     PortState& state = Port(port);
-    if (state.attached)
+    if (HoldsData(port))
         throw ACCESS_EXCEPTION("The data of port '%s' can't be written.", Name(port).c_str());
     if (!state.implementation)
         throw ACCESS_EXCEPTION("Port '%s' is not connected.", Name(port).c_str());
@@ -94,7 +88,7 @@ void Engine::ReadRegister(NodeIndex node, Place place, uint8_t* bytes) {
 
 // `place` is filled when the register has to be read.
 bool Engine::IsKeptHere(NodeIndex node, Place* place) {
-    const NodeState& state = m_states[node];
+    const NodeState& state = State(node);
     if (state.valueKept && !m_ignoreCache && !Node(node).addressVolatile)
         return true;
     *place = Locate(node);

@@ -22,7 +22,7 @@ private:
 };
 
 int64_t Engine::ReadInteger(NodeIndex node) {
-    const NodeState& state = m_states[node];
+    const NodeState& state = State(node);
     const ValueKind kind = Node(node).kind;
     if (kind == ValueKind::Float)
         return Truncate(ReadFloat(node));
@@ -35,7 +35,7 @@ int64_t Engine::ReadInteger(NodeIndex node) {
 }
 
 double Engine::ReadFloat(NodeIndex node) {
-    const NodeState& state = m_states[node];
+    const NodeState& state = State(node);
     const NodeDescription& description = Node(node);
     if (description.type == NodeType::Enumeration)
         return ReadNumericValue(node);
@@ -215,7 +215,7 @@ std::string Engine::ReadBytes(NodeIndex node) {
 }
 
 bool Engine::IsKept(NodeIndex node) {
-    return m_states[node].valueKept;
+    return State(node).valueKept;
 }
 
 int64_t Engine::MaxTextLength(NodeIndex node) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "genapi/src/description/Description.h"
+#include "genapi/src/map/ChunkBuffer.h"
 
 namespace GENAPI_NAMESPACE {
 struct IPort;
@@ -15,6 +15,7 @@ struct NodeState {
         double real;
     };
     uint32_t visit = 0; ///< of the last invalidation that passed here
+    uint32_t epoch = 0; ///< of the chunks that the kept value and mode come from
     uint8_t mode = 0;
     uint8_t modeOverPort = 0; ///< what the mode would be if the port could be written
     uint8_t imposedMode = RW;
@@ -25,13 +26,16 @@ struct NodeState {
     bool evaluating : 1;
     bool askingMode : 1;
     bool hasCallbacks : 1;
-    bool changed : 1; ///< waits for its callbacks
-    bool active : 1;  ///< a command that has been executed and not been seen done
+    bool changed : 1;     ///< waits for its callbacks
+    bool active : 1;      ///< a command that has been executed and not been seen done
+    bool behindChunk : 1; ///< what is kept may come from a chunk
 
     NodeState()
         : valueKept(false), modeKept(false), ownsValue(false), evaluating(false), askingMode(false),
-          hasCallbacks(false), changed(false), active(false) {}
+          hasCallbacks(false), changed(false), active(false), behindChunk(false) {}
 };
+
+static_assert(sizeof(NodeState) <= 24, "a node map has thousands");
 
 /// Where a register's kept value was read.
 struct Place {
@@ -41,8 +45,9 @@ struct Place {
 
 struct PortState {
     IPort* implementation = nullptr;
-    bool attached = false; ///< the bytes below are the register space
+    bool hasBytes = false; ///< the bytes below are the register space, unless there is a chunk
     std::vector<uint8_t> bytes;
+    uint32_t chunk = kNoChunk; ///< place in the layout of the attached buffer
 };
 
 struct ImposedLimits {

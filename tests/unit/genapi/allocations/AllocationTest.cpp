@@ -47,6 +47,34 @@ TEST(Allocations, KeptNumbersAreReadWithoutAny) {
     EXPECT_EQ(allocations - before, 0);
 }
 
+TEST(Allocations, ABufferOfTheSameChunkLayoutIsAttachedWithoutAny) {
+    Camera camera(::Node("Port", "C", "<ChunkID>1001</ChunkID>") +
+                      ::Node("IntReg", "R", "<Address>0</Address><Length>8</Length><pPort>C</pPort>") +
+                      ::Node("Integer", "I", "<pValue>R</pValue>") +
+                      ::Node("Port", "P", "<ChunkID>1</ChunkID>"),
+                  false);
+    uint8_t buffers[2][32] = {{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0,    1, 0, 0, 0, 8, //
+                               1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x10, 1, 0, 0, 0, 8}};
+    std::memcpy(buffers[1], buffers[0], sizeof buffers[0]);
+    buffers[1][16] = 2;
+    CChunkAdapterGEV adapter(camera.map._Ptr);
+    const CIntegerPtr integer = camera.Int("I");
+    AttachStatistics_t statistics;
+    adapter.AttachBuffer(buffers[0], 32, &statistics);
+    integer->GetValue();
+    const long before = allocations;
+    for (int i = 0; i < 100; ++i) {
+        adapter.AttachBuffer(buffers[i % 2], 32, &statistics);
+        ASSERT_EQ(integer->GetValue(), 1 + i % 2);
+        adapter.UpdateBuffer(buffers[0]);
+        ASSERT_EQ(integer->GetValue(), 1);
+        if (i % 3 == 0)
+            adapter.DetachBuffer();
+    }
+    EXPECT_EQ(allocations - before, 0);
+    EXPECT_EQ(statistics.NumAttachedChunks, 2);
+}
+
 TEST(Allocations, FreshReadsNeedNoneEither) {
     Camera camera(
         IntReg("R", 0, 4, "<Cachable>NoCache</Cachable>") +
