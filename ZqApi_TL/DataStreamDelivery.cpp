@@ -1,6 +1,4 @@
-#include <algorithm>
-#include <chrono>
-
+#include "ZqApi_TL/Remaining.h"
 #include "ZqApi_TL/ZqDataStream.h"
 #include "ZqGenTLCommon/ZqGenTLError.h"
 
@@ -10,8 +8,6 @@ namespace ZqApi {
 namespace {
 
 constexpr const char* UNIT = "ZqApi_TL/ZqDataStream";
-
-using Clock = std::chrono::steady_clock;
 
 /// Counts a reader out again, so that who tears something down can wait for it.
 class CountedOut {
@@ -23,27 +19,6 @@ public:
 
 private:
     std::atomic<int>& m_Count;
-};
-
-/// What is left of a time-out that began with the object. Waits are on the real-time clock; this one says
-/// whether a wait that ended early has really elapsed.
-class Remaining {
-public:
-    explicit Remaining(uint32_t timeoutMs) : m_TimeoutMs(timeoutMs) {
-        if (timeoutMs != 0 && timeoutMs != INFINITE)
-            m_Deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-    }
-
-    uint32_t Milliseconds() const {
-        if (m_TimeoutMs == 0 || m_TimeoutMs == INFINITE)
-            return m_TimeoutMs;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_Deadline - Clock::now()).count();
-        return static_cast<uint32_t>(std::max<int64_t>(0, left));
-    }
-
-private:
-    uint32_t m_TimeoutMs;
-    Clock::time_point m_Deadline;
 };
 
 enum Handle : size_t { FILLED, STOPPED, THREAD_ERROR, DEVICE_LOST, HANDLE_COUNT };

@@ -6,6 +6,7 @@
 
 #include <ZqApi/ZqApi.h>
 
+#include "ZqApi_TL/ZqFeatureBag.h"
 #include "ZqApi_TL/ZqPixelComponentInfo.h"
 #include "ZqApi_TL/ZqPixelFormatInfo.h"
 #include "ZqApi_TL/ZqSystem.h"
@@ -141,7 +142,7 @@ IZqImageBufferReleasable* CreateIZqImageBuffer(IZqAllocator*) {
 
 IZqFeatureBagReleasable* CreateIZqFeatureBag() {
     CheckZqApiInitialized();
-    throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "Feature bags are not implemented yet.");
+    return ConvertBadAlloc(UNIT, __LINE__, [] { return new CZqFeatureBag; });
 }
 
 void* GetModuleHandleTL() {

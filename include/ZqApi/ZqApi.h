@@ -14,8 +14,10 @@
 #include <ZqApi/PixelComponent.h>
 #include <ZqApi/PixelFormat.h>
 #include <ZqApi/Port.h>
+#include <ZqApi/PtrArray.h>
 #include <ZqApi/Releasable.h>
 #include <ZqApi/StreamBuffer.h>
 #include <ZqApi/System.h>
+#include <ZqApi/Text.h>
 #include <ZqApi/Types.h>
 #include <ZqApi/Wait.h>

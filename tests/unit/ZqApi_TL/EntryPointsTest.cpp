@@ -234,8 +234,6 @@ TEST(EntryPoints, WhatIsMissingSaysSo) {
     const Library library;
     EXPECT_EQ(Catch<GenICam::RuntimeException>([] { CreateIZqImageBuffer(nullptr); }).text,
               "Image buffers are not implemented yet.");
-    EXPECT_EQ(Catch<GenICam::RuntimeException>([] { CreateIZqFeatureBag(); }).text,
-              "Feature bags are not implemented yet.");
 }
 
 TEST(EntryPoints, ObjectsOutliveTheLastTermination) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -92,6 +94,18 @@ protected:
 
     Device OpenDevice(System& system, DEVICE_ACCESS_FLAGS flags = DEVICE_ACCESS_CONTROL) {
         return Device(system->GetIZqInterface(0)->CreateIZqDevice(size_t{0}, flags));
+    }
+
+    /// True once the condition holds, false when it does not within ten seconds.
+    template <class Condition>
+    static bool Eventually(Condition condition) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > deadline)
+                return false;
+            std::this_thread::yield();
+        }
+        return true;
     }
 
     void TearDown() override {

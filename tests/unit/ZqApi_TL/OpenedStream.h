@@ -87,18 +87,6 @@ protected:
         EXPECT_TRUE(Eventually([&] { return Unread() == before + frames; }));
     }
 
-    /// True once the condition holds, false when it does not within ten seconds.
-    template <class Condition>
-    static bool Eventually(Condition condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            std::this_thread::yield();
-        }
-        return true;
-    }
-
     IZqDataStreamInside* Inside() { return dynamic_cast<IZqDataStreamInside*>(stream.get()); }
     const IZqDataStreamInfo* Info() { return stream->GetIZqDataStreamInfo(); }
 
