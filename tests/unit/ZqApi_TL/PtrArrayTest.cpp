@@ -104,6 +104,7 @@ TEST_F(Arrays, CamerasStartAndStopInOrder) {
 }
 
 TEST_F(Arrays, FirstFailureEndsAnOperationOnAll) {
+    producer.ClearLog();
     producer.Answer("GCWritePort").On("REMOTE1").With(GC_ERR_IO);
     EXPECT_THROW(devices.AcquisitionStart(), CZqGenTLErrorException);
     EXPECT_EQ(producer.Log("GCWritePort").size(), 1u);
