@@ -68,6 +68,10 @@ public:
     Number Min(NodeIndex node);
     Number Max(NodeIndex node);
     int64_t Increment(NodeIndex node);
+    /// Nothing when the file gives none.
+    std::optional<int64_t> StatedIncrement(NodeIndex node);
+    /// True when the targets of a node with copies have increments that no one value could suit.
+    bool IncrementsDiffer(NodeIndex node);
     std::optional<double> FloatIncrement(NodeIndex node);
     const std::vector<int64_t>& ValidValues(NodeIndex node) const;
     /// OutOfRangeException when the value lies outside the limits.

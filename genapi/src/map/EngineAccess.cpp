@@ -208,6 +208,8 @@ Engine::Modes Engine::SourceModes(NodeIndex node) {
         if (!IsWritable(other.overPort))
             modes.overPort = WithoutWriting(modes.overPort);
     }
+    if (IsWritable(modes.overPort) && IncrementsDiffer(node))
+        modes = {WithoutWriting(modes.real), WithoutWriting(modes.overPort)};
     return modes;
 }
 
@@ -272,6 +274,8 @@ std::string Engine::WhyBaseNot(NodeIndex node, bool write, int depth) {
         for (const NodeIndex copy : description.source->copies)
             if (write && !IsWritable(Mode(copy)))
                 return because(copy, true);
+        if (write && IsWritable(Mode(description.source->node)) && IncrementsDiffer(node))
+            return "the increments of its targets differ";
         return because(description.source->node, write);
     }
     if (description.formula) {

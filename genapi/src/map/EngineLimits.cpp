@@ -179,9 +179,14 @@ Number Engine::ConverterLimit(NodeIndex node, Side side) {
 }
 
 int64_t Engine::Increment(NodeIndex node) {
+    return StatedIncrement(node).value_or(1);
+}
+
+// Of the node itself, else of the first of its targets that has one.
+std::optional<int64_t> Engine::StatedIncrement(NodeIndex node) {
     const NodeDescription& description = Node(node);
     if (description.type != NodeType::Integer || !description.error.empty())
-        return 1;
+        return std::nullopt;
     if (const auto given = GivenNumber(description.limits->inc))
         return std::max<int64_t>(1, given->AsInteger());
     const SourcePart& source = *description.source;
@@ -191,7 +196,31 @@ int64_t Engine::Increment(NodeIndex node) {
         const TableEntry* entry = IsReadableNode(source.index) ? CurrentEntry(source) : nullptr;
         target = entry ? entry->node : kNoNode;
     }
-    return target != kNoNode && Node(target).type == NodeType::Integer ? Increment(target) : 1;
+    std::optional<int64_t> increment = target == kNoNode ? std::nullopt : StatedIncrement(target);
+    for (size_t i = 0; i < source.copies.size() && !increment; ++i)
+        increment = StatedIncrement(source.copies[i]);
+    return increment;
+}
+
+// A value that goes to several targets must suit the increments of all. Targets without one, such as
+// registers, take any; and a node that has one of its own is taken at its word.
+bool Engine::IncrementsDiffer(NodeIndex node) {
+    const NodeDescription& description = Node(node);
+    if (description.source->copies.empty() || (description.limits && description.limits->inc.given))
+        return false;
+    try {
+        std::optional<int64_t> first = StatedIncrement(description.source->node);
+        for (const NodeIndex copy : description.source->copies) {
+            const std::optional<int64_t> increment = StatedIncrement(copy);
+            if (first && increment && *first != *increment)
+                return true;
+            if (!first)
+                first = increment;
+        }
+    } catch (const GENICAM_NAMESPACE::GenericException&) {
+        // Writing will meet what can't be read now, and say so.
+    }
+    return false;
 }
 
 std::optional<double> Engine::FloatIncrement(NodeIndex node) {

@@ -94,6 +94,38 @@ TEST(Integer, CopiesAreWrittenInOrderAndNarrowTheLimits) {
     EXPECT_EQ(camera.port.log[2].first, 16);
 }
 
+TEST(Integer, CopiesWithoutAnIncrementTakeThatOfTheOthers) {
+    Camera camera(Integer("I", "<pValue>V</pValue><pValueCopy>C</pValueCopy>") +
+                  Integer("J", "<pValue>R</pValue><pValueCopy>C</pValueCopy>") + IntReg("R", 0) +
+                  Integer("V", "<Value>0</Value>") + Integer("C", "<Value>0</Value><Inc>4</Inc>"));
+    for (const char* const name : {"I", "J"}) {
+        EXPECT_EQ(camera.Mode(name), RW);
+        EXPECT_EQ(camera.Int(name)->GetInc(), 4);
+        camera.Int(name)->SetValue(8);
+        EXPECT_THROW(camera.Int(name)->SetValue(6), OutOfRangeException);
+        EXPECT_EQ(camera.Int(name)->GetValue(), 8);
+    }
+}
+
+TEST(Integer, CopiesWithDifferentIncrementsCannotBeWritten) {
+    const std::string targets = Integer("V", "<Value>0</Value><Inc>2</Inc>") +
+                                Integer("C", "<Value>0</Value><pInc>Step</pInc>") +
+                                Integer("Step", "<Value>3</Value>");
+    Camera camera(Integer("I", "<pValue>V</pValue><pValueCopy>C</pValueCopy>") +
+                  Integer("Own", "<pValue>V</pValue><pValueCopy>C</pValueCopy><Inc>6</Inc>") + targets);
+    EXPECT_EQ(camera.Mode("I"), RO);
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("I")->SetValue(6); }),
+              "Node 'I' is not writable: the increments of its targets differ (access mode RO).");
+    EXPECT_EQ(camera.Int("V")->GetValue(), 0);
+    EXPECT_EQ(camera.Mode("Own"), RW);
+    camera.Int("Own")->SetValue(12);
+    EXPECT_EQ(camera.Int("C")->GetValue(), 12);
+    camera.Int("Step")->SetValue(2);
+    EXPECT_EQ(camera.Mode("I"), RW);
+    camera.Int("I")->SetValue(4);
+    EXPECT_EQ(camera.Int("C")->GetValue(), 4);
+}
+
 TEST(Integer, TableChoosesItsEntryByIndex) {
     Camera camera(Integer("T",
                           "<pIndex>Index</pIndex><ValueIndexed Index=\"1\">10</ValueIndexed>"
