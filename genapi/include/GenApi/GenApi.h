@@ -7,6 +7,7 @@
 #include <GenApi/ChunkAdapterGEV.h>
 #include <GenApi/ChunkAdapterGeneric.h>
 #include <GenApi/ChunkAdapterU3V.h>
+#include <GenApi/ConcatenatedWrite.h>
 #include <GenApi/Container.h>
 #include <GenApi/EnumClasses.h>
 #include <GenApi/EventAdapter.h>

@@ -31,9 +31,13 @@ struct GENAPI_API INodeMap {
     virtual uint64_t GetNumNodes() const = 0;
     /// True when every formula could be compiled; else `pErrors` receives a line for each that could not.
     virtual bool ParseSwissKnifes(GENICAM_NAMESPACE::gcstring_vector* pErrors = nullptr) const = 0;
-    /// Not implemented: RuntimeException.
+    /// An empty list of values; the caller ends it by its Destroy.
     virtual CNodeWriteConcatenator* NewNodeWriteConcatenator() const = 0;
-    /// Not implemented: RuntimeException.
+    /// Writes all values of the list in order, with all checks, under one lock; callbacks run once behind the
+    /// last. With `FeatureStreaming` between the device's commands for it, as far as it has them:
+    /// DeviceRegistersStreamingStart, and DeviceRegistersStreamingEnd also after a failure. True when all
+    /// went well. Else `pErrors` receives a line "name: reason" for each failure; without it the first
+    /// failure ends the writing and leaves as the exception that it was. InvalidArgumentException for null.
     virtual bool ConcatenatedWrite(CNodeWriteConcatenator* pConcatenator, bool FeatureStreaming = true,
                                    GENICAM_NAMESPACE::gcstring_vector* pErrors = nullptr) = 0;
     /// While true, changes run no callbacks; those of the meantime are not made up for.

@@ -110,14 +110,6 @@ bool NodeMapImpl::ParseSwissKnifes(gcstring_vector* pErrors) const {
     return m_description->formulaErrors.empty();
 }
 
-CNodeWriteConcatenator* NodeMapImpl::NewNodeWriteConcatenator() const {
-    throw RUNTIME_EXCEPTION("INodeMap::NewNodeWriteConcatenator is not implemented");
-}
-
-bool NodeMapImpl::ConcatenatedWrite(CNodeWriteConcatenator*, bool, gcstring_vector*) {
-    throw RUNTIME_EXCEPTION("INodeMap::ConcatenatedWrite is not implemented");
-}
-
 void NodeMapImpl::SetSuppressCallbackMode(bool Suppress) {
     const AutoLock lock(m_lock);
     m_suppress = Suppress;

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <memory>
+#include <variant>
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -112,6 +113,8 @@ private:
     };
 
     INode* FindNode(std::string_view name) const;
+    void WriteByName(const GENICAM_NAMESPACE::gcstring& name,
+                     const std::variant<Number, GENICAM_NAMESPACE::gcstring>& value) const;
     NodeIndex FindPort(std::string_view name) const;
 
     std::shared_ptr<const Description> m_description;

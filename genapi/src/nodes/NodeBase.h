@@ -45,6 +45,11 @@ public:
     EInterfaceType GetPrincipalInterfaceType() const override;
     bool IsFeature() const override;
 
+    /// As every kind of numeric node has it from another one: with all checks.
+    void WriteNumber(Number value) {
+        WriteChecked(true, [&](Engine& engine) { engine.WriteNumber(m_index, value, true); });
+    }
+
     bool IsSelector() const override;
     void GetSelectedFeatures(FeatureList_t& Selected) const override;
     void GetSelectingFeatures(FeatureList_t& Selecting) const override;
