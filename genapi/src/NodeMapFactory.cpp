@@ -1,11 +1,11 @@
 #include <GenApi/NodeMapFactory.h>
 
+#include "genapi/src/cache/DescriptionSource.h"
 #include "genapi/src/document/DescriptionText.h"
 #include "genapi/src/map/NodeMapImpl.h"
 #include "genapi/src/nodes/NodeBase.h"
 
 #include <fstream>
-#include <mutex>
 
 namespace GENAPI_NAMESPACE {
 
@@ -13,56 +13,9 @@ using GENICAM_NAMESPACE::gcstring;
 using GENICAM_NAMESPACE::gcstring_vector;
 
 /// What a factory and its copies share.
-class CNodeMapFactory::Data {
+class CNodeMapFactory::Data final : public inside::DescriptionSource {
 public:
-    Data(std::string bytes, ECacheUsage_t cacheUsage, bool suppressStrings)
-        : m_bytes(std::move(bytes)), m_keepTexts(!suppressStrings) {
-        if (cacheUsage == CacheUsage_ForceRead || cacheUsage == CacheUsage_ForceWrite)
-            throw RUNTIME_EXCEPTION("The folder of preprocessed descriptions is not implemented");
-    }
-    explicit Data(inside::Document document)
-        : m_document(std::make_shared<const inside::Document>(std::move(document))), m_released(true) {}
-
-    std::shared_ptr<const inside::Document> GetDocument() {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        return Parsed();
-    }
-    std::shared_ptr<const inside::Description> GetDescription() {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_description)
-            m_description = inside::LinkDescription(Parsed());
-        return m_description;
-    }
-    bool IsPreprocessed() const {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_description != nullptr;
-    }
-    void Release() {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        Parsed();
-        m_bytes = std::string();
-        m_released = true;
-    }
-    bool IsReleased() const {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_released;
-    }
-
-private:
-    std::shared_ptr<const inside::Document> Parsed() {
-        if (!m_document) {
-            const std::string text = inside::CleanDescription(inside::UnpackDescription(m_bytes));
-            m_document = std::make_shared<const inside::Document>(inside::ParseDocument(text, m_keepTexts));
-        }
-        return m_document;
-    }
-
-    mutable std::mutex m_mutex;
-    std::string m_bytes;
-    bool m_keepTexts = true;
-    std::shared_ptr<const inside::Document> m_document;
-    std::shared_ptr<const inside::Description> m_description;
-    bool m_released = false;
+    using DescriptionSource::DescriptionSource;
 };
 
 namespace {
@@ -83,10 +36,10 @@ std::string ReadFile(const gcstring& fileName) {
     return bytes;
 }
 
-std::string CopyBytes(const void* data, size_t size) {
+std::string_view Bytes(const void* data, size_t size) {
     if (!data && size > 0)
         throw INVALID_ARGUMENT_EXCEPTION("The description is a null pointer.");
-    return data ? std::string(static_cast<const char*>(data), size) : std::string();
+    return {static_cast<const char*>(data), size};
 }
 
 [[noreturn]] void EmptyFactory() {
@@ -103,19 +56,24 @@ CNodeMapFactory::CNodeMapFactory(EContentType_t, const gcstring& fileName, ECach
     : m_data(std::make_shared<Data>(ReadFile(fileName), cacheUsage, suppressStrings)) {}
 CNodeMapFactory::CNodeMapFactory(EContentType_t, const void* pData, size_t dataSize, ECacheUsage_t cacheUsage,
                                  bool suppressStrings)
-    : m_data(std::make_shared<Data>(CopyBytes(pData, dataSize), cacheUsage, suppressStrings)) {}
+    : m_data(std::make_shared<Data>(Bytes(pData, dataSize), cacheUsage, suppressStrings)) {}
 CNodeMapFactory::CNodeMapFactory(const gcstring& xml, ECacheUsage_t cacheUsage, bool suppressStrings)
-    : m_data(std::make_shared<Data>(std::string(xml.c_str(), xml.size()), cacheUsage, suppressStrings)) {}
+    : m_data(std::make_shared<Data>(std::string_view(xml.c_str(), xml.size()), cacheUsage, suppressStrings)) {
+}
 CNodeMapFactory::~CNodeMapFactory() = default;
 
 bool CNodeMapFactory::IsEmpty() const {
     return !m_data;
 }
-void CNodeMapFactory::AddInjectionData(CNodeMapFactory&) {
-    throw RUNTIME_EXCEPTION("CNodeMapFactory::AddInjectionData is not implemented");
+void CNodeMapFactory::AddInjectionData(CNodeMapFactory& injectionData) {
+    if (!m_data || !injectionData.m_data)
+        EmptyFactory();
+    m_data->Inject(*injectionData.m_data);
 }
 void CNodeMapFactory::LoadAndInject() {
-    throw RUNTIME_EXCEPTION("CNodeMapFactory::LoadAndInject is not implemented");
+    if (!m_data)
+        EmptyFactory();
+    m_data->GetDescription();
 }
 bool CNodeMapFactory::IsLoaded() const {
     return m_data != nullptr;
@@ -126,8 +84,11 @@ CNodeMapFactory CNodeMapFactory::ExtractSubtree(const gcstring& rootName, bool r
         EmptyFactory();
     CNodeMapFactory subtree;
     const std::string_view root(rootName.c_str(), rootName.size());
-    subtree.m_data =
-        std::make_shared<Data>(inside::ExtractDocument(*m_data->GetDocument(), root, renameToRoot));
+    const auto whole = m_data->GetDescription();
+    const inside::DescriptionImage image = inside::BuildImage(0, [&](inside::DocumentWriter& writer) {
+        inside::ExtractDocument(whole->document, root, renameToRoot, writer);
+    });
+    subtree.m_data = std::make_shared<Data>(image.description);
     return subtree;
 }
 
@@ -157,7 +118,8 @@ INodeMap* CNodeMapFactory::CreateNodeMap(const gcstring& deviceName, bool releas
 }
 
 bool CNodeMapFactory::ClearCache() {
-    throw RUNTIME_EXCEPTION("CNodeMapFactory::ClearCache is not implemented");
+    const auto cache = inside::DescriptionCache::Find();
+    return cache && cache->Clear();
 }
 
 void CNodeMapFactory::GetSupportedSchemaVersions(gcstring_vector& schemaVersions) {

@@ -13,8 +13,11 @@ namespace GENAPI_NAMESPACE {
 /// Zipped content is recognised by its bytes, whatever `EContentType_t` says. A description that can't be
 /// read gives RuntimeException with the reason; a single bad node is left out (its access mode is NI).
 ///
-/// Not implemented yet: the folder of preprocessed descriptions. CacheUsage_Automatic and _Ignore parse every
-/// time, _ForceRead and _ForceWrite throw RuntimeException.
+/// Prepared descriptions are kept as files in the folder that the environment variable GENICAM_CACHE_V3_0
+/// names, when it exists, and found again by their content. CacheUsage_Automatic reads from there, or
+/// prepares and writes; _ForceWrite prepares and writes, RuntimeException when it can't; _ForceRead only
+/// reads, RuntimeException when there is none; _Ignore leaves the folder alone. A damaged file, or one of
+/// another version, counts as none.
 class GENAPI_API CNodeMapFactory {
 public:
     /// An empty factory.
@@ -32,15 +35,18 @@ public:
     virtual ~CNodeMapFactory();
 
     bool IsEmpty() const;
-    /// Not implemented: RuntimeException.
+    /// Adds a description that is to be merged into this one: all its nodes, and the features of categories
+    /// that both have. A node that both have needs a MergePriority in the injected one (in its root element
+    /// or in the node): 1 takes that one, -1 keeps this one's.
     void AddInjectionData(CNodeMapFactory& injectionData);
-    /// Not implemented: RuntimeException.
+    /// Merges what has been added; so does the next Preprocess or node map. Earlier node maps stay as they
+    /// are. RuntimeException when both have a node and no priority decides; this description then stays.
     void LoadAndInject();
     bool IsLoaded() const;
     /// A factory for the node `rootName` and all that it refers to; `renameToRoot` calls it "Root" there.
     /// Works after the text has been released. RuntimeException when there is no such node.
     CNodeMapFactory ExtractSubtree(const GENICAM_NAMESPACE::gcstring& rootName, bool renameToRoot = false);
-    /// Parses now instead of with the first node map.
+    /// Parses and merges now instead of with the first node map.
     void Preprocess();
     bool IsPreprocessed() const;
     /// Drops the text of the description; what has been parsed stays.
@@ -50,7 +56,7 @@ public:
     /// text afterwards; the factory can make further maps all the same.
     INodeMap* CreateNodeMap(const GENICAM_NAMESPACE::gcstring& deviceName = "Device",
                             bool releaseDescription = true);
-    /// Not implemented: RuntimeException.
+    /// Removes all prepared descriptions. False when there is no folder or something could not be removed.
     static bool ClearCache();
     static void GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& schemaVersions);
 

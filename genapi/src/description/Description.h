@@ -2,12 +2,14 @@
 
 #include "genapi/src/document/Document.h"
 #include "genapi/src/formula/Formula.h"
+#include "genapi/src/image/Arena.h"
 
 #include <GenApi/Types.h>
 
 #include <memory>
 #include <optional>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -52,7 +54,7 @@ constexpr int64_t kMaxRegisterLength = int64_t{64} * 1024 * 1024;
 
 struct RegisterPart {
     int64_t address = 0; ///< sum of all constant terms
-    std::vector<AddressTerm> terms;
+    List<AddressTerm> terms;
     int64_t length = 0;
     NodeIndex lengthNode = kNoNode;
     NodeIndex port = kNoNode;
@@ -83,11 +85,12 @@ struct TableEntry {
 struct SourcePart {
     enum class Form : uint8_t { Own, Node, Table } form = Form::Own;
     Number initial;
-    std::string initialText;
+    Text initialText;
     NodeIndex node = kNoNode;
-    std::vector<NodeIndex> copies;
+    List<NodeIndex> copies;
+    List<NodeIndex> targets; ///< of a write: the node and its copies, in the order of the file
     NodeIndex index = kNoNode;
-    std::vector<TableEntry> entries;
+    List<TableEntry> entries;
     std::optional<TableEntry> fallback;
     uint32_t textSlot = 0; ///< place among the texts that belong to nodes
 };
@@ -96,11 +99,11 @@ struct LimitPart {
     NumberSource min;
     NumberSource max;
     NumberSource inc;
-    std::vector<int64_t> validValues;
+    List<int64_t> validValues;
 };
 
 struct DisplayPart {
-    std::string unit;
+    Text unit;
     std::optional<ERepresentation> representation;
     std::optional<EDisplayNotation> notation;
     std::optional<int64_t> precision;
@@ -123,10 +126,10 @@ struct VariableReference {
 };
 
 struct FormulaPart {
-    std::shared_ptr<const Formula> reading; ///< the knife's formula, or FormulaFrom
-    std::shared_ptr<const Formula> writing; ///< FormulaTo
-    std::vector<VariableReference> variables;
-    std::string error; ///< why there is no compiled formula
+    Ref<Formula> reading; ///< the knife's formula, or FormulaFrom
+    Ref<Formula> writing; ///< FormulaTo
+    List<VariableReference> variables;
+    Text error; ///< why there is no compiled formula
     NodeIndex node = kNoNode;
     ESlope slope = Automatic;
 };
@@ -143,13 +146,13 @@ struct SwitchPart {
 struct EntryPart {
     int64_t value = 0;
     double numericValue = 0;
-    std::string symbolic;
+    Text symbolic;
     bool selfClearing = false;
     NodeIndex enumeration = kNoNode;
 };
 
 struct PortPart {
-    std::string chunkId;
+    Text chunkId;
     bool isChunk = false;
     bool swap = false;
     bool cacheChunkData = false;
@@ -158,7 +161,7 @@ struct PortPart {
 
 /// One node, resolved. Parts that a type does not have are null.
 struct NodeDescription {
-    std::string_view name;
+    Text name;
     NodeType type = NodeType::Other;
     ValueKind kind = ValueKind::None;
     EVisibility visibility = Beginner;
@@ -181,20 +184,20 @@ struct NodeDescription {
     NodeIndex alias = kNoNode;
     NodeIndex castAlias = kNoNode;
     NodeIndex commandValue = kNoNode;
-    std::vector<NodeIndex> errors;    ///< pError
-    std::vector<NodeIndex> entries;   ///< of an enumeration
-    std::vector<NodeIndex> features;  ///< of a category
-    std::vector<NodeIndex> selected;  ///< by this node
-    std::vector<NodeIndex> selecting; ///< this node
-    std::unique_ptr<RegisterPart> reg;
-    std::unique_ptr<SourcePart> source;
-    std::unique_ptr<LimitPart> limits;
-    std::unique_ptr<DisplayPart> display;
-    std::unique_ptr<FormulaPart> formula;
-    std::unique_ptr<SwitchPart> onOff;
-    std::unique_ptr<EntryPart> entry;
-    std::unique_ptr<PortPart> port;
-    std::string error; ///< why the node could not be built; it is then not implemented
+    List<NodeIndex> errors;    ///< pError
+    List<NodeIndex> entries;   ///< of an enumeration
+    List<NodeIndex> features;  ///< of a category
+    List<NodeIndex> selected;  ///< by this node
+    List<NodeIndex> selecting; ///< this node
+    Ref<RegisterPart> reg;
+    Ref<SourcePart> source;
+    Ref<LimitPart> limits;
+    Ref<DisplayPart> display;
+    Ref<FormulaPart> formula;
+    Ref<SwitchPart> onOff;
+    Ref<EntryPart> entry;
+    Ref<PortPart> port;
+    Text error; ///< why the node could not be built; it is then not implemented
 };
 
 /// Lists of neighbours for all nodes in two arrays.
@@ -207,43 +210,42 @@ public:
         const NodeIndex* end() const { return last; }
     };
 
-    Adjacency() = default;
-    /// `edges` are (from, to); each pair is kept once, in order.
-    Adjacency(size_t nodes, std::vector<std::pair<NodeIndex, NodeIndex>> edges);
-
     Range Of(NodeIndex node) const {
-        return {m_targets.data() + m_offsets[node], m_targets.data() + m_offsets[node + 1]};
+        return {m_targets.begin() + m_offsets[node], m_targets.begin() + m_offsets[node + 1]};
+    }
+    void Keep(Arena& arena, const std::vector<uint32_t>& offsets, const std::vector<NodeIndex>& targets) {
+        arena.KeepList(m_offsets, offsets);
+        arena.KeepList(m_targets, targets);
     }
 
 private:
-    std::vector<uint32_t> m_offsets;
-    std::vector<NodeIndex> m_targets;
+    List<uint32_t> m_offsets;
+    List<NodeIndex> m_targets;
 };
 
-/// A description that is ready to be used. Immutable and shared by every node map made from it.
+/// A description that is ready to be used: the first part of an image. Immutable and shared by every node map
+/// made from it.
 struct Description {
-    std::shared_ptr<const Document> document; ///< node i stands in document->nodes[i]
-    std::vector<NodeDescription> nodes;
-    std::unordered_map<std::string_view, NodeIndex> byName;
-    Adjacency dependents;             ///< who becomes stale when a node changes
-    Adjacency reads;                  ///< what a node's value is made of
-    Adjacency invalidators;           ///< the nodes that a node names as pInvalidator
-    std::vector<NodeIndex> registers; ///< by slot
-    std::vector<NodeIndex> ports;
-    std::vector<Number> tableValues; ///< initial values, by slot
+    Document document; ///< node i stands in document.nodes[i]
+    List<NodeDescription> nodes;
+    Adjacency dependents;      ///< who becomes stale when a node changes
+    Adjacency reads;           ///< what a node's value is made of
+    Adjacency invalidators;    ///< the nodes that a node names as pInvalidator
+    List<NodeIndex> registers; ///< by slot
+    List<NodeIndex> ports;
+    List<Number> tableValues; ///< initial values, by slot
     uint32_t texts = 0;
-    std::vector<NodeIndex> polled;
-    std::vector<NodeIndex> withEvent;
-    std::vector<std::string> formulaErrors;
+    List<NodeIndex> polled;
+    List<NodeIndex> withEvent;
+    List<Text> formulaErrors;
 
-    NodeIndex Find(std::string_view name) const {
-        const auto found = byName.find(name);
-        return found == byName.end() ? kNoNode : found->second;
-    }
+    NodeIndex Find(std::string_view name) const { return document.Find(name); }
 };
+
+static_assert(kNoNode == Document::kNowhere);
 
 /// Resolves names, compiles formulas and lays out the edges. Never fails for a single bad node: that one has
 /// an error.
-std::shared_ptr<const Description> LinkDescription(std::shared_ptr<const Document> document);
+void LinkDescription(Arena& arena, Description& description);
 
 } // namespace GENAPI_NAMESPACE::inside

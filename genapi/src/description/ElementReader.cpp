@@ -5,14 +5,14 @@ namespace GENAPI_NAMESPACE::inside {
 NodeIndex ElementReader::Require(const Element& element) const {
     const NodeIndex target = Find(element);
     if (target == kNoNode)
-        throw Unbuildable(std::string(element.name) + " " + Quoted(element.text) + " does not exist");
+        throw Unbuildable(NameOf(element) + " " + Quoted(element.text) + " does not exist");
     return target;
 }
 
 Number ElementReader::AnyNumber(const Element& element) const {
     const auto number = ParseNumber(element.text);
     if (!number)
-        throw Unbuildable("the " + std::string(element.name) + " " + Quoted(element.text) + " is no number");
+        throw Unbuildable("the " + NameOf(element) + " " + Quoted(element.text) + " is no number");
     return *number;
 }
 

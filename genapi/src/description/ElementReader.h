@@ -24,6 +24,9 @@ public:
     int64_t Integer(const Element& element) const { return AnyNumber(element).AsInteger(); }
     Number AnyNumber(const Element& element) const;
     NodeIndex FindByName(std::string_view name) const { return m_description.Find(name); }
+    std::string NameOf(const Element& element) const {
+        return std::string(m_description.document.NameOf(element.name));
+    }
 
 private:
     const Description& m_description;
@@ -40,8 +43,8 @@ bool ReadEnum(std::string_view text, Enum& value) {
     return EnumClass::FromString(GENICAM_NAMESPACE::gcstring(text.data(), text.size()), &value);
 }
 
-/// Builds the register part of a node.
-std::unique_ptr<RegisterPart> BuildRegisterPart(const ElementReader& reader, const SourceNode& source,
-                                                NodeType type);
+/// Fills the register part of a node.
+void BuildRegisterPart(Arena& arena, const ElementReader& reader, const SourceNode& source, NodeType type,
+                       RegisterPart& reg);
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -1,5 +1,7 @@
 #include "genapi/src/description/FormulaBuilder.h"
 
+#include <unordered_map>
+
 namespace GENAPI_NAMESPACE::inside {
 
 namespace {
@@ -21,42 +23,58 @@ constexpr PropertyName kProperties[] = {{"Value", Property::Value},
 
 class FormulaBuilder {
 public:
-    FormulaBuilder(Description& description, NodeIndex index)
-        : m_description(description), m_source(description.document->nodes[index]),
+    FormulaBuilder(Arena& arena, Description& description, NodeIndex index)
+        : m_arena(arena), m_description(description), m_source(description.document.nodes[index]),
           m_node(description.nodes[index]) {
         for (const Element& element : m_source.elements)
-            if (element.attributeName == "Name" &&
-                (element.name == "pVariable" || element.name == "Constant" || element.name == "Expression"))
+            if (element.attributeName == AttributeName::Name &&
+                (element.name == ElementName::pVariable || element.name == ElementName::Constant ||
+                 element.name == ElementName::Expression))
                 m_declared.emplace(element.attribute, &element);
     }
 
     void Build() {
+        FormulaPart& part = *m_node.formula;
         m_converts = m_node.type == NodeType::Converter || m_node.type == NodeType::IntConverter;
         try {
-            m_node.formula->reading = Compile(m_converts ? "FormulaFrom" : "Formula", m_converts ? "TO" : "");
+            part.reading.Point(Compile(m_converts ? ElementName::FormulaFrom : ElementName::Formula,
+                                       m_converts ? "TO" : ""));
             if (m_converts)
-                m_node.formula->writing = Compile("FormulaTo", "FROM");
+                part.writing.Point(Compile(ElementName::FormulaTo, "FROM"));
         } catch (const FormulaError& error) {
-            m_node.formula->error = error.what();
-            m_description.formulaErrors.push_back(m_source.name + ": " + error.what());
+            m_arena.KeepText(part.error, error.what());
         }
+        m_arena.KeepList(part.variables, m_variables);
     }
 
 private:
-    std::shared_ptr<const Formula> Compile(std::string_view elementName, std::string_view converted) {
-        const bool integer = m_node.kind == ValueKind::Integer;
+    Formula* Compile(ElementName elementName, std::string_view converted) {
         for (const Element& element : m_source.elements)
-            if (element.name == elementName) {
-                std::unordered_map<std::string, Symbol> known;
-                const SymbolTable symbols = [&](std::string_view name) {
-                    const auto [place, isNew] = known.try_emplace(std::string(name));
-                    if (isNew)
-                        place->second = Resolve(name, converted);
-                    return place->second;
-                };
-                return std::make_shared<const Formula>(CompileFormula(element.text, integer, symbols));
-            }
-        throw FormulaError("it has no " + std::string(elementName));
+            if (element.name == elementName)
+                return Compile(element.text, converted);
+        throw FormulaError("it has no " + std::string(KnownElementName(elementName)));
+    }
+
+    Formula* Compile(std::string_view text, std::string_view converted) {
+        constexpr size_t kShownLength = 200;
+        std::unordered_map<std::string_view, Symbol> known;
+        const SymbolTable symbols = [&](std::string_view name) {
+            const auto [place, isNew] = known.try_emplace(name);
+            if (isNew)
+                place->second = Resolve(name, converted);
+            return place->second;
+        };
+        const bool integer = m_node.kind == ValueKind::Integer;
+        const FormulaDraft draft = CompileFormula(text, integer, symbols);
+        auto* const formula = m_arena.New<Formula>();
+        formula->text.Point(text.substr(0, kShownLength));
+        formula->integer = integer;
+        formula->stackSize = draft.stackSize;
+        m_arena.KeepList(formula->code, draft.code);
+        m_arena.NewList(formula->undefined, draft.undefined.size());
+        for (size_t i = 0; i < draft.undefined.size(); ++i)
+            formula->undefined[i].Point(draft.undefined[i]);
+        return formula;
     }
 
     Symbol Resolve(std::string_view name, std::string_view converted) {
@@ -64,9 +82,9 @@ private:
         const auto declared = m_declared.find(name);
         if (declared != m_declared.end()) {
             const Element& element = *declared->second;
-            if (element.name == "pVariable")
+            if (element.name == ElementName::pVariable)
                 return Variable(name, m_description.Find(element.text));
-            if (element.name == "Constant")
+            if (element.name == ElementName::Constant)
                 return Constant(element);
             symbol.kind = Symbol::Kind::Expression;
             symbol.expression = element.text;
@@ -83,7 +101,7 @@ private:
     static Symbol Constant(const Element& element) {
         const auto value = ParseNumber(element.text);
         if (!value)
-            throw FormulaError("the constant '" + element.attribute + "' is no number");
+            throw FormulaError("the constant '" + element.attribute.Copy() + "' is no number");
         Symbol symbol;
         symbol.kind = Symbol::Kind::Constant;
         symbol.constant = *value;
@@ -94,7 +112,8 @@ private:
     Symbol Derived(std::string_view name) {
         const size_t dot = name.find('.');
         const auto declared = m_declared.find(name.substr(0, dot));
-        if (dot != name.npos && declared != m_declared.end() && declared->second->name == "pVariable")
+        if (dot != name.npos && declared != m_declared.end() &&
+            declared->second->name == ElementName::pVariable)
             return Variable(name, m_description.Find(declared->second->text));
         return {};
     }
@@ -109,8 +128,8 @@ private:
             return {};
         Symbol symbol;
         symbol.kind = Symbol::Kind::Variable;
-        symbol.slot = static_cast<uint32_t>(m_node.formula->variables.size());
-        m_node.formula->variables.push_back(reference);
+        symbol.slot = static_cast<uint32_t>(m_variables.size());
+        m_variables.push_back(reference);
         return symbol;
     }
 
@@ -135,18 +154,20 @@ private:
         return dot == suffix.npos || (kind != "Entry" && kind != "Enum");
     }
 
+    Arena& m_arena;
     Description& m_description;
     const SourceNode& m_source;
     NodeDescription& m_node;
     std::unordered_map<std::string_view, const Element*> m_declared;
+    std::vector<VariableReference> m_variables;
     bool m_converts = false;
 };
 
 } // namespace
 
-void BuildFormulas(Description& description, NodeIndex index) {
+void BuildFormulas(Arena& arena, Description& description, NodeIndex index) {
     if (description.nodes[index].formula)
-        FormulaBuilder(description, index).Build();
+        FormulaBuilder(arena, description, index).Build();
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -10,42 +10,54 @@ namespace GENAPI_NAMESPACE::inside {
 namespace {
 
 struct TagType {
-    std::string_view tag;
+    ElementName tag;
     NodeType type;
 };
 
 constexpr TagType kTags[] = {
-    {"Category", NodeType::Category},
-    {"Integer", NodeType::Integer},
-    {"IntReg", NodeType::IntReg},
-    {"MaskedIntReg", NodeType::MaskedIntReg},
-    {"StructEntry", NodeType::MaskedIntReg},
-    {"Float", NodeType::Float},
-    {"FloatReg", NodeType::FloatReg},
-    {"Boolean", NodeType::Boolean},
-    {"Command", NodeType::Command},
-    {"Enumeration", NodeType::Enumeration},
-    {"EnumEntry", NodeType::EnumEntry},
-    {"String", NodeType::String},
-    {"StringReg", NodeType::StringReg},
-    {"Register", NodeType::Register},
-    {"SwissKnife", NodeType::SwissKnife},
-    {"IntSwissKnife", NodeType::IntSwissKnife},
-    {"Converter", NodeType::Converter},
-    {"IntConverter", NodeType::IntConverter},
-    {"Port", NodeType::Port},
+    {ElementName::Category, NodeType::Category},
+    {ElementName::Integer, NodeType::Integer},
+    {ElementName::IntReg, NodeType::IntReg},
+    {ElementName::MaskedIntReg, NodeType::MaskedIntReg},
+    {ElementName::StructEntry, NodeType::MaskedIntReg},
+    {ElementName::Float, NodeType::Float},
+    {ElementName::FloatReg, NodeType::FloatReg},
+    {ElementName::Boolean, NodeType::Boolean},
+    {ElementName::Command, NodeType::Command},
+    {ElementName::Enumeration, NodeType::Enumeration},
+    {ElementName::EnumEntry, NodeType::EnumEntry},
+    {ElementName::String, NodeType::String},
+    {ElementName::StringReg, NodeType::StringReg},
+    {ElementName::Register, NodeType::Register},
+    {ElementName::SwissKnife, NodeType::SwissKnife},
+    {ElementName::IntSwissKnife, NodeType::IntSwissKnife},
+    {ElementName::Converter, NodeType::Converter},
+    {ElementName::IntConverter, NodeType::IntConverter},
+    {ElementName::Port, NodeType::Port},
 };
 
 bool IsYes(std::string_view text) {
     return EqualIgnoringCase(text, "Yes");
 }
 
+/// The numbers of a list that semicolons separate; what is none is left out.
+std::vector<int64_t> NumbersIn(std::string_view text) {
+    std::vector<int64_t> numbers;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find(';', begin), text.size());
+        if (const auto value = ParseInteger(text.substr(begin, end - begin)))
+            numbers.push_back(*value);
+        begin = end + 1;
+    }
+    return numbers;
+}
+
 } // namespace
 
 void NodeBuilder::Build(NodeIndex index) {
     m_node = &m_description.nodes[index];
-    m_source = &m_description.document->nodes[index];
-    m_node->name = m_source->name;
+    m_source = &m_description.document.nodes[index];
+    m_node->name.Point(m_source->name);
     m_node->standard = m_source->standard;
     for (const TagType& row : kTags)
         if (row.tag == m_source->tag)
@@ -54,54 +66,89 @@ void NodeBuilder::Build(NodeIndex index) {
         BuildCommon();
         BuildByType();
         if (m_node->type == NodeType::Other)
-            throw Unbuildable("nodes of type " + std::string(m_source->tag) + " are not implemented");
+            throw Unbuildable("nodes of type " + std::string(m_description.document.NameOf(m_source->tag)) +
+                              " are not implemented");
     } catch (const Unbuildable& reason) {
-        m_node->error = reason.what();
+        m_arena.KeepText(m_node->error, reason.what());
     }
 }
 
 void NodeBuilder::BuildCommon() {
+    m_lists.errors.clear();
+    m_lists.selected.clear();
     for (const Element& element : m_source->elements)
         BuildCommonElement(element);
+    m_arena.KeepList(m_node->errors, m_lists.errors);
+    m_arena.KeepList(m_node->selected, m_lists.selected);
 }
 
 void NodeBuilder::BuildCommonElement(const Element& element) {
     NodeDescription& node = *m_node;
-    const std::string_view name = element.name;
-    if (name == "Visibility" || name == "ImposedVisibility") {
+    switch (element.name) {
+    case ElementName::Visibility:
+    case ElementName::ImposedVisibility: {
         EVisibility visibility = Beginner;
         if (ReadEnum<EVisibilityClass>(element.text, visibility))
             node.visibility = Combine(node.visibility, visibility);
-    } else if (name == "ImposedAccessMode") {
+        break;
+    }
+    case ElementName::ImposedAccessMode:
         node.imposedMode = ReadMode(element.text, RW);
-    } else if (name == "Streamable") {
+        break;
+    case ElementName::Streamable:
         node.streamable = IsYes(element.text);
-    } else if (name == "IsDeprecated") {
+        break;
+    case ElementName::IsDeprecated:
         node.deprecated = IsYes(element.text);
-    } else if (name == "PollingTime") {
+        break;
+    case ElementName::PollingTime:
         node.pollingTime = ParseInteger(element.text).value_or(-1);
-    } else if (name == "EventID") {
+        break;
+    case ElementName::EventID: {
         const auto id = ParseHexDigits(element.text);
         node.hasEvent = id.has_value();
         node.eventId = id.value_or(0);
-    } else if (name == "pIsImplemented") {
+        break;
+    }
+    default:
+        BuildReference(element);
+    }
+}
+
+void NodeBuilder::BuildReference(const Element& element) {
+    NodeDescription& node = *m_node;
+    const auto add = [&](std::vector<NodeIndex>& list) {
+        const NodeIndex target = m_reader.Find(element);
+        if (target != kNoNode)
+            list.push_back(target);
+    };
+    switch (element.name) {
+    case ElementName::pIsImplemented:
         node.implemented = m_reader.Find(element);
-    } else if (name == "pIsAvailable") {
+        break;
+    case ElementName::pIsAvailable:
         node.available = m_reader.Find(element);
-    } else if (name == "pIsLocked") {
+        break;
+    case ElementName::pIsLocked:
         node.locked = m_reader.Find(element);
-    } else if (name == "pBlockPolling") {
+        break;
+    case ElementName::pBlockPolling:
         node.blockPolling = m_reader.Find(element);
-    } else if (name == "pAlias") {
+        break;
+    case ElementName::pAlias:
         node.alias = m_reader.Find(element);
-    } else if (name == "pCastAlias") {
+        break;
+    case ElementName::pCastAlias:
         node.castAlias = m_reader.Find(element);
-    } else if (name == "pError") {
-        if (m_reader.Find(element) != kNoNode)
-            node.errors.push_back(m_reader.Find(element));
-    } else if (name == "pSelected") {
-        if (m_reader.Find(element) != kNoNode)
-            node.selected.push_back(m_reader.Find(element));
+        break;
+    case ElementName::pError:
+        add(m_lists.errors);
+        break;
+    case ElementName::pSelected:
+        add(m_lists.selected);
+        break;
+    default:
+        break;
     }
 }
 
@@ -175,18 +222,26 @@ void NodeBuilder::BuildByType() {
 
 void NodeBuilder::BuildRegister(ValueKind kind) {
     m_node->kind = kind;
-    m_node->reg = BuildRegisterPart(m_reader, *m_source, m_node->type);
-    m_node->caching = m_node->reg->caching;
+    auto* const reg = m_arena.New<RegisterPart>();
+    BuildRegisterPart(m_arena, m_reader, *m_source, m_node->type, *reg);
+    m_node->reg.Point(reg);
+    m_node->caching = reg->caching;
 }
 
 void NodeBuilder::BuildSource(ValueKind kind) {
     m_node->kind = kind;
-    m_node->source = std::make_unique<SourcePart>();
+    m_node->source.Point(m_arena.New<SourcePart>());
     SourcePart& source = *m_node->source;
     if (kind == ValueKind::Text)
         source.textSlot = m_description.texts++;
+    m_lists.copies.clear();
+    m_lists.targets.clear();
+    m_lists.entries.clear();
     for (const Element& element : m_source->elements)
         BuildSourceElement(element);
+    m_arena.KeepList(source.copies, m_lists.copies);
+    m_arena.KeepList(source.targets, m_lists.targets);
+    m_arena.KeepList(source.entries, m_lists.entries);
     if (source.index != kNoNode)
         source.form = SourcePart::Form::Table;
     else if (source.node != kNoNode)
@@ -195,104 +250,130 @@ void NodeBuilder::BuildSource(ValueKind kind) {
 
 void NodeBuilder::BuildSourceElement(const Element& element) {
     SourcePart& source = *m_node->source;
-    const std::string_view name = element.name;
-    if (name == "Value") {
+    const bool canBeTable = m_node->type == NodeType::Integer || m_node->type == NodeType::Float;
+    switch (element.name) {
+    case ElementName::Value:
         if (m_node->kind == ValueKind::Text)
-            source.initialText = element.text;
+            source.initialText.Point(element.text);
         else if (EqualIgnoringCase(element.text, "true") || EqualIgnoringCase(element.text, "false"))
             source.initial = Number::Of(int64_t{EqualIgnoringCase(element.text, "true")});
         else
             source.initial = m_reader.AnyNumber(element);
-    } else if (name == "pValue") {
+        break;
+    case ElementName::pValue:
         source.node = m_reader.Require(element);
-    } else if (name == "pValueCopy") {
-        source.copies.push_back(m_reader.Require(element));
-    } else if (m_node->type != NodeType::Integer && m_node->type != NodeType::Float) {
-        return; // only numbers can be tables
-    } else if (name == "pIndex") {
-        source.index = m_reader.Require(element);
-    } else if (name == "ValueIndexed" || name == "pValueIndexed") {
-        source.entries.push_back(BuildTableEntry(element));
-    } else if (name == "ValueDefault" || name == "pValueDefault") {
-        source.fallback = BuildTableEntry(element);
+        m_lists.targets.push_back(source.node);
+        break;
+    case ElementName::pValueCopy:
+        m_lists.copies.push_back(m_reader.Require(element));
+        m_lists.targets.push_back(m_lists.copies.back());
+        break;
+    case ElementName::pIndex:
+        if (canBeTable)
+            source.index = m_reader.Require(element);
+        break;
+    case ElementName::ValueIndexed:
+    case ElementName::pValueIndexed:
+        if (canBeTable)
+            m_lists.entries.push_back(BuildTableEntry(element));
+        break;
+    case ElementName::ValueDefault:
+    case ElementName::pValueDefault:
+        if (canBeTable)
+            source.fallback = BuildTableEntry(element);
+        break;
+    default:
+        break;
     }
 }
 
 TableEntry NodeBuilder::BuildTableEntry(const Element& element) {
     TableEntry entry;
-    if (element.attributeName == "Index") {
+    if (element.attributeName == AttributeName::Index) {
         const auto index = ParseInteger(element.attribute);
         if (!index)
             throw Unbuildable("the Index " + Quoted(element.attribute) + " is no number");
         entry.index = *index;
     }
-    if (element.name[0] == 'p') {
+    if (element.name == ElementName::pValueIndexed || element.name == ElementName::pValueDefault) {
         entry.node = m_reader.Require(element);
         return entry;
     }
-    entry.slot = static_cast<uint32_t>(m_description.tableValues.size());
-    m_description.tableValues.push_back(m_reader.AnyNumber(element));
+    entry.slot = static_cast<uint32_t>(m_tableValues.size());
+    m_tableValues.push_back(m_reader.AnyNumber(element));
     return entry;
 }
 
 void NodeBuilder::SetNumber(NumberSource& source, const Element& element) const {
     source.given = true;
-    if (element.name[0] == 'p')
+    if (IsPointerName(KnownElementName(element.name)))
         source.node = m_reader.Require(element);
     else
         source.constant = m_reader.AnyNumber(element);
 }
 
 void NodeBuilder::BuildLimits() {
-    m_node->limits = std::make_unique<LimitPart>();
+    m_node->limits.Point(m_arena.New<LimitPart>());
     LimitPart& limits = *m_node->limits;
-    for (const Element& element : m_source->elements) {
-        const std::string_view name = element.name;
-        if (name == "Min" || name == "pMin")
+    for (const Element& element : m_source->elements)
+        switch (element.name) {
+        case ElementName::Min:
+        case ElementName::pMin:
             SetNumber(limits.min, element);
-        else if (name == "Max" || name == "pMax")
+            break;
+        case ElementName::Max:
+        case ElementName::pMax:
             SetNumber(limits.max, element);
-        else if (name == "Inc" || name == "pInc")
+            break;
+        case ElementName::Inc:
+        case ElementName::pInc:
             SetNumber(limits.inc, element);
-        else if (name == "ValidValueSet" || name == "ValidValuesSet")
-            for (size_t begin = 0; begin < element.text.size();) {
-                const size_t end = std::min(element.text.find(';', begin), element.text.size());
-                if (const auto value =
-                        ParseInteger(std::string_view(element.text).substr(begin, end - begin)))
-                    limits.validValues.push_back(*value);
-                begin = end + 1;
-            }
-    }
+            break;
+        case ElementName::ValidValueSet:
+        case ElementName::ValidValuesSet:
+            m_arena.KeepList(limits.validValues, NumbersIn(element.text));
+            break;
+        default:
+            break;
+        }
 }
 
 void NodeBuilder::BuildDisplay() {
-    m_node->display = std::make_unique<DisplayPart>();
+    m_node->display.Point(m_arena.New<DisplayPart>());
     DisplayPart& display = *m_node->display;
-    for (const Element& element : m_source->elements) {
-        if (element.name == "Unit") {
-            display.unit = element.text;
-        } else if (element.name == "Representation") {
+    for (const Element& element : m_source->elements)
+        switch (element.name) {
+        case ElementName::Unit:
+            display.unit.Point(element.text);
+            break;
+        case ElementName::Representation: {
             ERepresentation representation = PureNumber;
             if (ReadEnum<ERepresentationClass>(element.text, representation))
                 display.representation = representation;
-        } else if (element.name == "DisplayNotation") {
+            break;
+        }
+        case ElementName::DisplayNotation: {
             EDisplayNotation notation = fnAutomatic;
             if (ReadEnum<EDisplayNotationClass>(element.text, notation))
                 display.notation = notation;
-        } else if (element.name == "DisplayPrecision") {
-            display.precision = ParseInteger(element.text);
+            break;
         }
-    }
+        case ElementName::DisplayPrecision:
+            display.precision = ParseInteger(element.text);
+            break;
+        default:
+            break;
+        }
 }
 
 // The formulas themselves come later: their variables may name entries of enumerations that are not built
 // yet.
 void NodeBuilder::BuildFormulaTarget() {
-    m_node->formula = std::make_unique<FormulaPart>();
+    m_node->formula.Point(m_arena.New<FormulaPart>());
     for (const Element& element : m_source->elements) {
-        if (element.name == "pValue")
+        if (element.name == ElementName::pValue)
             m_node->formula->node = m_reader.Require(element);
-        else if (element.name == "Slope")
+        else if (element.name == ElementName::Slope)
             ReadEnum<ESlopeClass>(element.text, m_node->formula->slope);
     }
     const bool converts = m_node->type == NodeType::Converter || m_node->type == NodeType::IntConverter;
@@ -301,11 +382,11 @@ void NodeBuilder::BuildFormulaTarget() {
 }
 
 void NodeBuilder::BuildSwitch() {
-    m_node->onOff = std::make_unique<SwitchPart>();
+    m_node->onOff.Point(m_arena.New<SwitchPart>());
     for (const Element& element : m_source->elements) {
-        if (element.name == "OnValue")
+        if (element.name == ElementName::OnValue)
             m_node->onOff->on = m_reader.Integer(element);
-        else if (element.name == "OffValue")
+        else if (element.name == ElementName::OffValue)
             m_node->onOff->off = m_reader.Integer(element);
         else
             continue;
@@ -314,36 +395,42 @@ void NodeBuilder::BuildSwitch() {
 }
 
 void NodeBuilder::BuildCommand() {
-    m_node->onOff = std::make_unique<SwitchPart>();
+    m_node->onOff.Point(m_arena.New<SwitchPart>());
     for (const Element& element : m_source->elements) {
-        if (element.name == "CommandValue")
+        if (element.name == ElementName::CommandValue)
             m_node->onOff->on = m_reader.Integer(element);
-        else if (element.name == "pCommandValue")
+        else if (element.name == ElementName::pCommandValue)
             m_node->commandValue = m_reader.Require(element);
     }
 }
 
-void NodeBuilder::BuildEnumeration() {
+void NodeBuilder::KeepMatching(List<NodeIndex>& list, ElementName name, ElementName otherName) {
+    std::vector<NodeIndex>& nodes = m_lists.targets;
+    nodes.clear();
     for (const Element& element : m_source->elements)
-        if ((element.name == "EnumEntry" || element.name == "pEnumEntry") &&
-            m_reader.Find(element) != kNoNode)
-            m_node->entries.push_back(m_reader.Find(element));
+        if ((element.name == name || element.name == otherName) && m_reader.Find(element) != kNoNode)
+            nodes.push_back(m_reader.Find(element));
+    m_arena.KeepList(list, nodes);
+}
+
+void NodeBuilder::BuildEnumeration() {
+    KeepMatching(m_node->entries, ElementName::EnumEntry, ElementName::pEnumEntry);
 }
 
 void NodeBuilder::BuildEntry() {
-    m_node->entry = std::make_unique<EntryPart>();
+    m_node->entry.Point(m_arena.New<EntryPart>());
     EntryPart& entry = *m_node->entry;
     std::optional<double> numeric;
     bool given = false;
     for (const Element& element : m_source->elements) {
-        if (element.name == "Value") {
+        if (element.name == ElementName::Value) {
             entry.value = m_reader.Integer(element);
             given = true;
-        } else if (element.name == "NumericValue") {
+        } else if (element.name == ElementName::NumericValue) {
             numeric = ParseFloat(element.text);
-        } else if (element.name == "Symbolic") {
-            entry.symbolic = element.text;
-        } else if (element.name == "IsSelfClearing") {
+        } else if (element.name == ElementName::Symbolic) {
+            entry.symbolic.Point(element.text);
+        } else if (element.name == ElementName::IsSelfClearing) {
             entry.selfClearing = IsYes(element.text);
         }
     }
@@ -354,23 +441,22 @@ void NodeBuilder::BuildEntry() {
 }
 
 void NodeBuilder::BuildPort() {
-    m_node->port = std::make_unique<PortPart>();
+    m_node->port.Point(m_arena.New<PortPart>());
+    PortPart& port = *m_node->port;
     for (const Element& element : m_source->elements) {
-        if (element.name == "ChunkID")
-            m_node->port->chunkId = element.text;
-        if (element.name == "ChunkID" || element.name == "pChunkID")
-            m_node->port->isChunk = true;
-        else if (element.name == "SwapEndianess")
-            m_node->port->swap = IsYes(element.text);
-        else if (element.name == "CacheChunkData")
-            m_node->port->cacheChunkData = IsYes(element.text);
+        if (element.name == ElementName::ChunkID)
+            port.chunkId.Point(element.text);
+        if (element.name == ElementName::ChunkID || element.name == ElementName::pChunkID)
+            port.isChunk = true;
+        else if (element.name == ElementName::SwapEndianess)
+            port.swap = IsYes(element.text);
+        else if (element.name == ElementName::CacheChunkData)
+            port.cacheChunkData = IsYes(element.text);
     }
 }
 
 void NodeBuilder::BuildCategory() {
-    for (const Element& element : m_source->elements)
-        if (element.name == "pFeature" && m_reader.Find(element) != kNoNode)
-            m_node->features.push_back(m_reader.Find(element));
+    KeepMatching(m_node->features, ElementName::pFeature, ElementName::pFeature);
 }
 
 } // namespace GENAPI_NAMESPACE::inside

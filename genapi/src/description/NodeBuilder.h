@@ -8,13 +8,17 @@ namespace GENAPI_NAMESPACE::inside {
 /// yet: what needs that is left to the formula stage.
 class NodeBuilder {
 public:
-    explicit NodeBuilder(Description& description) : m_description(description), m_reader(description) {}
+    NodeBuilder(Arena& arena, Description& description)
+        : m_arena(arena), m_description(description), m_reader(description) {}
 
     void Build(NodeIndex index);
+    /// To be called once, at the end.
+    void Finish() { m_arena.KeepList(m_description.tableValues, m_tableValues); }
 
 private:
     void BuildCommon();
     void BuildCommonElement(const Element& element);
+    void BuildReference(const Element& element);
     void BuildByType();
     void BuildRegister(ValueKind kind);
     void BuildSource(ValueKind kind);
@@ -29,9 +33,22 @@ private:
     void BuildEntry();
     void BuildPort();
     void BuildCategory();
+    void KeepMatching(List<NodeIndex>& list, ElementName name, ElementName otherName);
     void SetNumber(NumberSource& source, const Element& element) const;
 
+    /// What a list of nodes in a part is collected in before it is laid out.
+    struct Lists {
+        std::vector<NodeIndex> errors;
+        std::vector<NodeIndex> selected;
+        std::vector<NodeIndex> copies;
+        std::vector<NodeIndex> targets;
+        std::vector<TableEntry> entries;
+    };
+
+    Arena& m_arena;
     Description& m_description;
+    std::vector<Number> m_tableValues;
+    Lists m_lists;
     ElementReader m_reader;
     NodeDescription* m_node = nullptr;
     const SourceNode* m_source = nullptr;

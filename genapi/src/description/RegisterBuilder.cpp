@@ -11,24 +11,33 @@ public:
     RegisterBuilder(const ElementReader& reader, RegisterPart& reg) : m_reader(reader), m_reg(reg) {}
 
     void Read(const Element& element) {
-        const std::string_view name = element.name;
-        if (name == "Address")
+        switch (element.name) {
+        case ElementName::Address:
             m_reg.address = static_cast<int64_t>(static_cast<uint64_t>(m_reg.address) +
                                                  static_cast<uint64_t>(m_reader.Integer(element)));
-        else if (name == "pAddress" || name == "pIndex")
-            m_reg.terms.push_back(Term(element));
-        else if (name == "Length")
+            break;
+        case ElementName::pAddress:
+        case ElementName::pIndex:
+            terms.push_back(Term(element));
+            break;
+        case ElementName::Length:
             m_reg.length = m_reader.Integer(element);
-        else if (name == "pLength")
+            break;
+        case ElementName::pLength:
             m_reg.lengthNode = m_reader.Require(element);
-        else if (name == "pPort")
+            break;
+        case ElementName::pPort:
             m_reg.port = m_reader.Require(element);
-        else if (name == "AccessMode")
+            break;
+        case ElementName::AccessMode:
             m_reg.mode = ReadMode(element.text, RO);
-        else if (name == "Cachable")
+            break;
+        case ElementName::Cachable:
             ReadEnum<ECachingModeClass>(element.text, m_reg.caching);
-        else
+            break;
+        default:
             ReadBits(element);
+        }
     }
 
     void Check(NodeType type) const {
@@ -48,34 +57,44 @@ public:
                               " lie outside the register");
     }
 
+    std::vector<AddressTerm> terms;
+
 private:
     void ReadBits(const Element& element) {
-        const std::string_view name = element.name;
-        if (name == "Endianess")
+        switch (element.name) {
+        case ElementName::Endianess:
             m_reg.littleEndian = !EqualIgnoringCase(element.text, "BigEndian");
-        else if (name == "Sign")
+            break;
+        case ElementName::Sign:
             m_reg.isSigned = EqualIgnoringCase(element.text, "Signed");
-        else if (name == "Bit")
+            break;
+        case ElementName::Bit:
             m_reg.lsb = m_reg.msb = m_reader.Integer(element);
-        else if (name == "LSB")
+            break;
+        case ElementName::LSB:
             m_reg.lsb = m_reader.Integer(element);
-        else if (name == "MSB")
+            break;
+        case ElementName::MSB:
             m_reg.msb = m_reader.Integer(element);
+            break;
+        default:
+            break;
+        }
     }
 
     AddressTerm Term(const Element& element) const {
         AddressTerm term;
         term.node = m_reader.Require(element);
-        if (element.name == "pAddress")
+        if (element.name == ElementName::pAddress)
             return term;
         term.factor = AddressTerm::Factor::Length;
-        if (element.attributeName == "Offset") {
+        if (element.attributeName == AttributeName::Offset) {
             const auto offset = ParseInteger(element.attribute);
             if (!offset)
                 throw Unbuildable("the Offset " + Quoted(element.attribute) + " is no number");
             term.factor = AddressTerm::Factor::Constant;
             term.offset = *offset;
-        } else if (element.attributeName == "pOffset") {
+        } else if (element.attributeName == AttributeName::pOffset) {
             term.factor = AddressTerm::Factor::Node;
             term.offsetNode = m_reader.FindByName(element.attribute);
             if (term.offsetNode == kNoNode)
@@ -90,17 +109,16 @@ private:
 
 } // namespace
 
-std::unique_ptr<RegisterPart> BuildRegisterPart(const ElementReader& reader, const SourceNode& source,
-                                                NodeType type) {
-    auto reg = std::make_unique<RegisterPart>();
-    reg->masked = type == NodeType::MaskedIntReg;
-    reg->caching = type == NodeType::FloatReg ? WriteAround : WriteThrough;
-    reg->lsb = reg->msb = -1;
-    RegisterBuilder builder(reader, *reg);
+void BuildRegisterPart(Arena& arena, const ElementReader& reader, const SourceNode& source, NodeType type,
+                       RegisterPart& reg) {
+    reg.masked = type == NodeType::MaskedIntReg;
+    reg.caching = type == NodeType::FloatReg ? WriteAround : WriteThrough;
+    reg.lsb = reg.msb = -1;
+    RegisterBuilder builder(reader, reg);
     for (const Element& element : source.elements)
         builder.Read(element);
+    arena.KeepList(reg.terms, builder.terms);
     builder.Check(type);
-    return reg;
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -7,6 +7,7 @@
 #include <zip.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <optional>
 
@@ -130,13 +131,56 @@ size_t SequenceLength(std::string_view text, size_t at) {
 }
 
 void AppendUtf8(std::string& out, unsigned point) {
-    if (point >= 0x800) {
+    if (point >= 0x10000) {
+        out += static_cast<char>(0xF0 | (point >> 18));
+        out += static_cast<char>(0x80 | ((point >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
+    } else if (point >= 0x800) {
         out += static_cast<char>(0xE0 | (point >> 12));
         out += static_cast<char>(0x80 | ((point >> 6) & 0x3F));
-    } else {
+    } else if (point >= 0x80) {
         out += static_cast<char>(0xC0 | (point >> 6));
+    } else {
+        out += static_cast<char>(point);
+        return;
     }
     out += static_cast<char>(0x80 | (point & 0x3F));
+}
+
+std::string FromUtf16(std::string_view text) {
+    const bool little = text[0] == '\xFF' || text[0] == '<';
+    const auto unit = [&](size_t at) {
+        const auto first = static_cast<unsigned char>(text[at]);
+        const auto second = static_cast<unsigned char>(text[at + 1]);
+        return little ? unsigned{first} | unsigned{second} << 8 : unsigned{second} | unsigned{first} << 8;
+    };
+    std::string out;
+    for (size_t at = unit(0) == 0xFEFF ? 2 : 0; at + 1 < text.size(); at += 2) {
+        unsigned point = unit(at);
+        if (point == 0) // padding
+            break;
+        const bool paired = point >= 0xD800 && point < 0xDC00 && at + 3 < text.size() &&
+                            unit(at + 2) >= 0xDC00 && unit(at + 2) < 0xE000;
+        if (paired) {
+            point = 0x10000 + ((point - 0xD800) << 10) + (unit(at + 2) - 0xDC00);
+            at += 2;
+        }
+        AppendUtf8(out, point >= 0xD800 && point < 0xE000 ? 0xFFFD : point);
+    }
+    return out;
+}
+
+/// Past the plain ASCII from `at` on, in steps of 8 bytes.
+size_t SkipAscii(std::string_view text, size_t at) {
+    constexpr uint64_t kHighBits = 0x8080808080808080;
+    uint64_t bytes = 0;
+    while (text.size() - at >= sizeof bytes) {
+        std::memcpy(&bytes, text.data() + at, sizeof bytes);
+        if ((bytes & kHighBits) != 0)
+            break;
+        at += sizeof bytes;
+    }
+    return at;
 }
 
 /// Bytes that are no UTF-8 are taken for Windows-1252, which old files use for the signs in their tool tips.
@@ -147,7 +191,7 @@ std::string RepairUtf8(std::string text) {
                                               0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
     std::string repaired;
     size_t copied = 0;
-    for (size_t at = 0; at < text.size();) {
+    for (size_t at = SkipAscii(text, 0); at < text.size(); at = SkipAscii(text, at)) {
         const size_t length = SequenceLength(text, at);
         if (length != 0) {
             at += length;
@@ -165,18 +209,18 @@ std::string RepairUtf8(std::string text) {
 
 } // namespace
 
-std::string UnpackDescription(std::string_view bytes) {
+std::string UnpackDescription(std::string bytes) {
     if (bytes.size() > kMaxDescriptionSize)
         throw RUNTIME_EXCEPTION("The description is larger than %zu bytes.", kMaxDescriptionSize);
-    if (bytes.substr(0, 4) != kLocalHeader)
-        return std::string(bytes);
+    if (bytes.compare(0, kLocalHeader.size(), kLocalHeader) != 0)
+        return bytes;
     const Archive archive = OpenArchive(ArchiveIn(bytes));
     return ReadMember(archive.get(), ChooseMember(archive.get()));
 }
 
 std::string CleanDescription(std::string text) {
     if (IsUtf16(text))
-        return text;
+        text = FromUtf16(text);
     text.resize(std::min(text.size(), text.find('\0')));
     size_t begin = text.find("<?xml");
     if (begin == text.npos)

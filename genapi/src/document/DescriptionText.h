@@ -12,7 +12,7 @@ constexpr size_t kMaxDescriptionSize = size_t{64} * 1024 * 1024;
 
 /// The XML text in what a device handed out: unzipped when the bytes are a zip archive, whatever they were
 /// announced as. RuntimeException when there is none or when it is larger than kMaxDescriptionSize.
-std::string UnpackDescription(std::string_view bytes);
+std::string UnpackDescription(std::string bytes);
 
 /// Cuts away what stands around the document and repairs text that is not UTF-8.
 std::string CleanDescription(std::string text);

@@ -1,71 +1,55 @@
 #pragma once
 
-#include <Base/GCTypes.h>
-
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <unordered_set>
-#include <vector>
+#include "genapi/src/document/ElementName.h"
+#include "genapi/src/image/Flat.h"
 
 namespace GENAPI_NAMESPACE::inside {
 
 /// One child element of a node: what it is, its text and the one attribute that matters.
 struct Element {
-    std::string_view name;
-    std::string text;
-    std::string_view attributeName;
-    std::string attribute;
+    ElementName name = ElementName::FirstUnknown;
+    AttributeName attributeName = AttributeName::None;
+    Text text;
+    Text attribute;
 };
 
 /// One node as the file has it, after structures have been taken apart.
 struct SourceNode {
-    std::string_view tag;
-    std::string name;
-    bool standard = false; ///< NameSpace="Standard"
-    std::vector<Element> elements;
+    ElementName tag = ElementName::FirstUnknown;
+    bool standard = false;    ///< NameSpace="Standard"
+    int8_t mergePriority = 0; ///< against a node of the same name, where descriptions are merged
+    Text name;
+    List<Element> elements;
 };
 
 struct SourceHeader {
-    std::string modelName;
-    std::string vendorName;
-    std::string toolTip;
-    std::string standardNameSpace;
-    std::string productGuid;
-    std::string versionGuid;
+    Text modelName;
+    Text vendorName;
+    Text toolTip;
+    Text standardNameSpace;
+    Text productGuid;
+    Text versionGuid;
     uint16_t schema[3] = {1, 1, 0};
     uint16_t device[3] = {0, 0, 0};
 };
 
-/// Keeps each element name once.
-class NamePool {
-public:
-    std::string_view Keep(std::string_view name) { return *m_names.emplace(name).first; }
-
-private:
-    std::unordered_set<std::string> m_names;
-};
-
 /// A description in a flat form, before names are resolved: a list of nodes that have names and elements.
 /// Groups and extensions are gone; entries of enumerations and of structures, and formulas inside addresses,
-/// are nodes.
+/// are nodes. Part of an image.
 struct Document {
     SourceHeader header;
-    std::vector<SourceNode> nodes;
-    std::vector<std::string> warnings;
-    std::shared_ptr<NamePool> names = std::make_shared<NamePool>(); ///< shared with subtrees
+    List<SourceNode> nodes;
+    List<Text> unknownNames;
+    List<uint32_t> places; ///< a hash table of one more than the place of each node; 0 is free
+
+    static constexpr uint32_t kNowhere = 0xFFFFFFFF;
+    /// The place of a node among the nodes, or kNowhere.
+    uint32_t Find(std::string_view name) const;
+    std::string_view NameOf(ElementName name) const {
+        return name < ElementName::FirstUnknown
+                   ? KnownElementName(name)
+                   : unknownNames[static_cast<size_t>(name) - static_cast<size_t>(ElementName::FirstUnknown)];
+    }
 };
-
-/// The name of the node for an entry of an enumeration.
-std::string EnumEntryName(const std::string& enumeration, std::string_view entry);
-
-/// Parses a cleaned text. RuntimeException says what is wrong and where. `keepTexts` false drops tool tips
-/// and descriptions.
-Document ParseDocument(const std::string& text, bool keepTexts);
-
-/// The node `root` and all that it needs. `renameToRoot` calls it "Root". RuntimeException when it does not
-/// exist.
-Document ExtractDocument(const Document& document, std::string_view root, bool renameToRoot);
 
 } // namespace GENAPI_NAMESPACE::inside

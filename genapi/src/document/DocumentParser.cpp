@@ -1,4 +1,4 @@
-#include "genapi/src/document/Document.h"
+#include "genapi/src/document/DocumentWriter.h"
 #include "genapi/src/document/Lexical.h"
 
 #include <Base/GCException.h>
@@ -6,17 +6,15 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
-#include <unordered_set>
+#include <vector>
 
 namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
 // Real files stay below a tenth of each.
-constexpr size_t kMaxNodes = 200'000;
 constexpr std::ptrdiff_t kMaxTags = 1'000'000;
 constexpr int kMaxGroupDepth = 64;
-constexpr size_t kMaxNameLength = 1024;
 
 std::string_view LocalName(const pugi::xml_node& node) {
     const std::string_view name = node.name();
@@ -24,37 +22,57 @@ std::string_view LocalName(const pugi::xml_node& node) {
     return colon == name.npos ? name : name.substr(colon + 1);
 }
 
-/// Comments inside a text cut it into several pieces.
-std::string TextOf(const pugi::xml_node& node) {
-    std::string text;
-    for (const pugi::xml_node piece : node.children())
-        if (piece.type() == pugi::node_pcdata || piece.type() == pugi::node_cdata)
-            text += piece.value();
-    return text;
+bool IsText(const pugi::xml_node& node) {
+    return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
 }
 
-bool IsAnyOf(std::string_view name, std::initializer_list<std::string_view> names) {
-    return std::find(names.begin(), names.end(), name) != names.end();
+/// Where an element lies in an address: an entry of a structure can't have its own.
+bool IsPlace(ElementName name) {
+    switch (name) {
+    case ElementName::Address:
+    case ElementName::pAddress:
+    case ElementName::pIndex:
+    case ElementName::Length:
+    case ElementName::pLength:
+    case ElementName::pPort:
+    case ElementName::Endianess:
+        return true;
+    default:
+        return false;
+    }
 }
+
+struct AttributeText {
+    std::string_view text;
+    AttributeName name;
+};
+constexpr AttributeText kAttributes[] = {{"Name", AttributeName::Name},
+                                         {"Index", AttributeName::Index},
+                                         {"Offset", AttributeName::Offset},
+                                         {"pOffset", AttributeName::pOffset}};
 
 class Parser {
 public:
-    Parser(Document& document, bool keepTexts) : m_document(document), m_keepTexts(keepTexts) {}
+    Parser(DocumentWriter& writer, bool keepTexts) : m_writer(writer), m_keepTexts(keepTexts) {}
 
     void ReadRoot(const pugi::xml_node& root) {
         ReadHeader(root);
+        m_priority = Priority(root, 0);
         ReadNodes(root, 0);
     }
 
 private:
     void ReadHeader(const pugi::xml_node& root) {
-        SourceHeader& header = m_document.header;
-        header.modelName = root.attribute("ModelName").value();
-        header.vendorName = root.attribute("VendorName").value();
-        header.toolTip = root.attribute("ToolTip").value();
-        header.standardNameSpace = root.attribute("StandardNameSpace").value();
-        header.productGuid = root.attribute("ProductGuid").value();
-        header.versionGuid = root.attribute("VersionGuid").value();
+        SourceHeader& header = m_writer.Header();
+        const auto read = [&](Text& text, const char* name) {
+            m_writer.GetArena().KeepText(text, root.attribute(name).value());
+        };
+        read(header.modelName, "ModelName");
+        read(header.vendorName, "VendorName");
+        read(header.toolTip, "ToolTip");
+        read(header.standardNameSpace, "StandardNameSpace");
+        read(header.productGuid, "ProductGuid");
+        read(header.versionGuid, "VersionGuid");
         ReadVersion(root, {"SchemaMajorVersion", "SchemaMinorVersion", "SchemaSubMinorVersion"},
                     header.schema);
         ReadVersion(root, {"MajorVersion", "MinorVersion", "SubMinorVersion"}, header.device);
@@ -73,6 +91,11 @@ private:
         }
     }
 
+    static int8_t Priority(const pugi::xml_node& element, int8_t otherwise) {
+        const auto value = ParseInteger(element.attribute("MergePriority").value());
+        return value && *value >= -1 && *value <= 1 ? static_cast<int8_t>(*value) : otherwise;
+    }
+
     void ReadNodes(const pugi::xml_node& parent, int depth) {
         if (depth > kMaxGroupDepth)
             throw RUNTIME_EXCEPTION("Group '%s' is nested deeper than %d.",
@@ -80,160 +103,187 @@ private:
         for (const pugi::xml_node child : parent.children()) {
             if (child.type() != pugi::node_element)
                 continue;
-            const std::string_view tag = LocalName(child);
-            if (tag == "Group")
+            const ElementName tag = m_writer.Name(LocalName(child));
+            if (tag == ElementName::Group)
                 ReadNodes(child, depth + 1);
-            else if (tag == "StructReg")
+            else if (tag == ElementName::StructReg)
                 ReadStructure(child);
-            else if (tag != "Extension" && child.attribute("Name"))
+            else if (tag != ElementName::Extension && child.attribute("Name"))
                 ReadNode(child, tag);
         }
     }
 
-    SourceNode Named(const pugi::xml_node& element, std::string_view tag) {
-        SourceNode node;
-        node.tag = m_document.names->Keep(tag);
-        node.name = std::string(Trim(element.attribute("Name").value()));
-        node.standard = Trim(element.attribute("NameSpace").value()) == "Standard";
+    NodeDraft Named(const pugi::xml_node& element, ElementName tag) const {
+        NodeDraft node;
+        node.tag = tag;
+        node.mergePriority = m_priority;
+        for (const pugi::xml_attribute attribute : element.attributes()) {
+            const std::string_view name = attribute.name();
+            if (name == "Name")
+                node.name = Trim(attribute.value());
+            else if (name == "NameSpace")
+                node.standard = Trim(attribute.value()) == "Standard";
+            else if (name == "MergePriority")
+                node.mergePriority = Priority(element, m_priority);
+        }
         return node;
     }
 
-    // The first of several nodes of one name stays.
-    void Add(SourceNode node) {
-        if (node.name.empty() || node.name.size() > kMaxNameLength) {
-            m_document.warnings.push_back("a " + std::string(node.tag) + " has no usable name");
-            return;
-        }
-        if (!m_taken.insert(node.name).second) {
-            m_document.warnings.push_back("'" + node.name + "' exists twice; the second is left out");
-            return;
-        }
-        if (m_document.nodes.size() >= kMaxNodes)
-            throw RUNTIME_EXCEPTION("The description has more than %zu nodes; the next is '%s'.", kMaxNodes,
-                                    node.name.c_str());
-        m_document.nodes.push_back(std::move(node));
-    }
-
-    void ReadNode(const pugi::xml_node& element, std::string_view tag) {
-        SourceNode node = Named(element, tag);
+    void ReadNode(const pugi::xml_node& element, ElementName tag) {
+        const NodeDraft node = Named(element, tag);
+        const size_t begin = m_elements.size();
         ReadElements(element, node);
-        Add(std::move(node));
+        AddFrom(begin, node);
     }
 
-    void ReadElements(const pugi::xml_node& parent, SourceNode& node) {
+    // The elements of nested nodes lie behind those of the outer one, and are gone when that goes on.
+    void AddFrom(size_t begin, const NodeDraft& node) {
+        m_writer.Add(node, m_elements.data() + begin, m_elements.size() - begin);
+        m_elements.resize(begin);
+    }
+
+    void ReadElements(const pugi::xml_node& parent, const NodeDraft& node) {
         for (const pugi::xml_node child : parent.children())
             if (child.type() == pugi::node_element)
                 ReadElement(child, node);
     }
 
-    void ReadElement(const pugi::xml_node& child, SourceNode& node) {
-        const std::string_view name = LocalName(child);
-        if (name == "Extension" || name == "StructEntry")
+    void ReadElement(const pugi::xml_node& child, const NodeDraft& node) {
+        const ElementName name = m_writer.Name(LocalName(child));
+        switch (name) {
+        case ElementName::Extension:
+        case ElementName::StructEntry:
             return;
-        if (!m_keepTexts && IsAnyOf(name, {"ToolTip", "Description", "DocuURL"}))
+        case ElementName::ToolTip:
+        case ElementName::Description:
+        case ElementName::DocuURL:
+            if (!m_keepTexts)
+                return;
+            break;
+        case ElementName::EnumEntry:
+            AddReference(name, LiftEntry(child, node.name));
             return;
-        if (name == "EnumEntry")
-            AddReference(node, "EnumEntry", LiftEntry(child, node.name));
-        else if (name == "IntSwissKnife" || name == "SwissKnife")
-            AddReference(node, "pAddress", LiftFormula(child, name, node.name));
-        else
-            node.elements.push_back(Plain(child, name, node.tag));
+        case ElementName::IntSwissKnife:
+        case ElementName::SwissKnife:
+            AddReference(ElementName::pAddress, LiftFormula(child, name, node.name));
+            return;
+        default:
+            break;
+        }
+        m_elements.push_back(Plain(child, name, node.tag));
     }
 
-    void AddReference(SourceNode& node, std::string_view name, std::string target) {
-        node.elements.push_back({m_document.names->Keep(name), std::move(target), {}, {}});
+    void AddReference(ElementName name, std::string_view target) {
+        m_elements.push_back({name, AttributeName::None, target, {}});
     }
 
-    Element Plain(const pugi::xml_node& child, std::string_view name, std::string_view tag) {
-        Element element;
-        element.name = m_document.names->Keep(name);
+    /// Comments inside a text cut it into several pieces.
+    std::string_view TextOf(const pugi::xml_node& node) {
+        const pugi::xml_node first = node.first_child();
+        if (!first)
+            return {};
+        if (!first.next_sibling())
+            return IsText(first) ? std::string_view(first.value()) : std::string_view();
+        std::string text;
+        for (const pugi::xml_node piece : node.children())
+            if (IsText(piece))
+                text += piece.value();
+        return m_writer.GetArena().Keep(text);
+    }
+
+    ElementDraft Plain(const pugi::xml_node& child, ElementName name, ElementName tag) {
+        ElementDraft element;
+        element.name = name;
         element.text = TextOf(child);
         // A String's value is the one text whose blanks count.
-        if (!(tag == "String" && name == "Value"))
-            element.text = std::string(Trim(element.text));
-        for (const std::string_view known : {"Name", "Index", "Offset", "pOffset"})
-            if (const pugi::xml_attribute attribute = child.attribute(known.data())) {
-                element.attributeName = known;
-                element.attribute = std::string(Trim(attribute.value()));
-                break;
-            }
+        if (!(tag == ElementName::String && name == ElementName::Value))
+            element.text = Trim(element.text);
+        for (const pugi::xml_attribute attribute : child.attributes())
+            for (const AttributeText& known : kAttributes)
+                if (known.text == attribute.name() && element.attributeName == AttributeName::None) {
+                    element.attributeName = known.name;
+                    element.attribute = Trim(attribute.value());
+                }
         return element;
     }
 
-    std::string LiftEntry(const pugi::xml_node& element, const std::string& enumeration) {
-        SourceNode entry = Named(element, "EnumEntry");
-        const std::string symbolic = entry.name;
-        entry.name = EnumEntryName(enumeration, symbolic);
+    std::string_view LiftEntry(const pugi::xml_node& element, std::string_view enumeration) {
+        NodeDraft entry = Named(element, ElementName::EnumEntry);
+        const std::string_view symbolic = entry.name;
+        entry.name = m_writer.GetArena().Keep(EnumEntryName(enumeration, symbolic));
+        const size_t begin = m_elements.size();
         ReadElements(element, entry);
-        const bool hasSymbolic =
-            std::any_of(entry.elements.begin(), entry.elements.end(),
-                        [](const Element& e) { return e.name == "Symbolic" && !e.text.empty(); });
+        const bool hasSymbolic = std::any_of(
+            m_elements.begin() + static_cast<std::ptrdiff_t>(begin), m_elements.end(),
+            [](const ElementDraft& e) { return e.name == ElementName::Symbolic && !e.text.empty(); });
         if (!hasSymbolic)
-            entry.elements.push_back({m_document.names->Keep("Symbolic"), symbolic, {}, {}});
-        std::string name = symbolic.empty() ? std::string() : entry.name;
-        Add(std::move(entry));
-        return name;
+            m_elements.push_back({ElementName::Symbolic, AttributeName::None, symbolic, {}});
+        AddFrom(begin, entry);
+        return symbolic.empty() ? std::string_view() : entry.name;
     }
 
-    std::string LiftFormula(const pugi::xml_node& element, std::string_view tag, const std::string& owner) {
-        SourceNode formula = Named(element, tag);
+    std::string_view LiftFormula(const pugi::xml_node& element, ElementName tag, std::string_view owner) {
+        NodeDraft formula = Named(element, tag);
         if (formula.name.empty())
-            formula.name = "_" + owner + "_Address" + std::to_string(m_document.nodes.size());
+            formula.name =
+                m_writer.GetArena().Keep("_" + std::string(owner) + "_Address" + std::to_string(m_unnamed++));
+        const size_t begin = m_elements.size();
         ReadElements(element, formula);
-        std::string name = formula.name;
-        Add(std::move(formula));
-        return name;
+        AddFrom(begin, formula);
+        return formula.name;
     }
 
     // Every entry becomes a masked register of its own. What it does not say itself it takes from the
     // structure; where the register lies always comes from there.
     void ReadStructure(const pugi::xml_node& element) {
-        SourceNode shared;
-        shared.tag = m_document.names->Keep("StructReg");
-        shared.name = std::string(Trim(element.attribute("Comment").value()));
+        NodeDraft shared;
+        shared.tag = ElementName::StructReg;
+        shared.name = Trim(element.attribute("Comment").value());
+        const size_t begin = m_elements.size();
         ReadElements(element, shared);
+        const std::vector<ElementDraft> inherited(m_elements.begin() + static_cast<std::ptrdiff_t>(begin),
+                                                  m_elements.end());
+        m_elements.resize(begin);
         for (const pugi::xml_node child : element.children())
             if (child.type() == pugi::node_element && LocalName(child) == "StructEntry")
-                ReadStructureEntry(child, shared);
+                ReadStructureEntry(child, inherited);
     }
 
-    void ReadStructureEntry(const pugi::xml_node& element, const SourceNode& shared) {
-        SourceNode entry = Named(element, "StructEntry");
+    void ReadStructureEntry(const pugi::xml_node& element, const std::vector<ElementDraft>& shared) {
+        const NodeDraft entry = Named(element, ElementName::StructEntry);
+        const size_t begin = m_elements.size();
         ReadElements(element, entry);
-        const auto isPlace = [](std::string_view name) {
-            return IsAnyOf(name,
-                           {"Address", "pAddress", "pIndex", "Length", "pLength", "pPort", "Endianess"});
-        };
-        std::vector<Element>& own = entry.elements;
-        own.erase(std::remove_if(own.begin(), own.end(), [&](const Element& e) { return isPlace(e.name); }),
-                  own.end());
-        const size_t count = own.size();
-        for (const Element& inherited : shared.elements) {
-            const auto end = own.begin() + static_cast<std::ptrdiff_t>(count);
+        const auto first = m_elements.begin() + static_cast<std::ptrdiff_t>(begin);
+        m_elements.erase(
+            std::remove_if(first, m_elements.end(), [](const ElementDraft& e) { return IsPlace(e.name); }),
+            m_elements.end());
+        const size_t own = m_elements.size();
+        for (const ElementDraft& inherited : shared) {
             const bool overridden =
-                std::any_of(own.begin(), end, [&](const Element& e) { return e.name == inherited.name; });
+                std::any_of(m_elements.begin() + static_cast<std::ptrdiff_t>(begin),
+                            m_elements.begin() + static_cast<std::ptrdiff_t>(own),
+                            [&](const ElementDraft& e) { return e.name == inherited.name; });
             if (!overridden)
-                own.push_back(inherited);
+                m_elements.push_back(inherited);
         }
-        Add(std::move(entry));
+        AddFrom(begin, entry);
     }
 
-    Document& m_document;
-    bool m_keepTexts;
-    std::unordered_set<std::string> m_taken;
+    DocumentWriter& m_writer;
+    const bool m_keepTexts;
+    int8_t m_priority = 0;
+    size_t m_unnamed = 0;
+    std::vector<ElementDraft> m_elements; ///< of the node that is being read, and of those around it
 };
 
 } // namespace
 
-std::string EnumEntryName(const std::string& enumeration, std::string_view entry) {
-    return "EnumEntry_" + enumeration + "_" + std::string(entry);
-}
-
-Document ParseDocument(const std::string& text, bool keepTexts) {
-    if (std::count(text.begin(), text.end(), '<') > kMaxTags)
+void ParseDocument(char* text, size_t size, bool keepTexts, DocumentWriter& writer) {
+    if (std::count(text, text + size, '<') > kMaxTags)
         throw RUNTIME_EXCEPTION("The description has more than %td tags.", kMaxTags);
     pugi::xml_document xml;
-    const pugi::xml_parse_result result = xml.load_buffer(text.data(), text.size(), pugi::parse_default);
+    const pugi::xml_parse_result result =
+        xml.load_buffer_inplace(text, size, pugi::parse_default, pugi::encoding_utf8);
     if (!result)
         throw RUNTIME_EXCEPTION("The description is not well-formed XML: %s at byte %td.",
                                 result.description(), result.offset);
@@ -241,9 +291,8 @@ Document ParseDocument(const std::string& text, bool keepTexts) {
     if (LocalName(root) != "RegisterDescription")
         throw RUNTIME_EXCEPTION("The description has the root element '%s' instead of 'RegisterDescription'.",
                                 root.name());
-    Document document;
-    Parser(document, keepTexts).ReadRoot(root);
-    return document;
+    Parser(writer, keepTexts).ReadRoot(root);
+    writer.Finish();
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -1,8 +1,6 @@
-#include "genapi/src/document/Document.h"
+#include "genapi/src/document/DocumentWriter.h"
 
 #include <Base/GCException.h>
-
-#include <unordered_map>
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -10,28 +8,23 @@ namespace {
 
 // pInvalidator and pSelected point from a node to nodes that do not help it to work; following them would
 // pull in most of a camera.
-bool IsNeeded(const Element& element) {
-    if (element.name == "EnumEntry")
-        return true;
-    return element.name.size() > 1 && element.name[0] == 'p' && element.name[1] >= 'A' &&
-           element.name[1] <= 'Z' && element.name != "pInvalidator" && element.name != "pSelected";
+bool IsNeeded(std::string_view name) {
+    return name == "EnumEntry" || name == "p1212Parser" ||
+           (IsPointerName(name) && name != "pInvalidator" && name != "pSelected");
 }
 
 class Extraction {
 public:
     explicit Extraction(const Document& document)
-        : m_document(document), m_wanted(document.nodes.size(), false) {
-        for (size_t i = 0; i < document.nodes.size(); ++i)
-            m_places.emplace(document.nodes[i].name, i);
-    }
+        : m_document(document), m_wanted(document.nodes.size(), false) {}
 
     bool Want(std::string_view name) {
-        const auto found = m_places.find(name);
-        if (found == m_places.end())
+        const uint32_t place = m_document.Find(name);
+        if (place == Document::kNowhere)
             return false;
-        if (!m_wanted[found->second]) {
-            m_wanted[found->second] = true;
-            m_open.push_back(found->second);
+        if (!m_wanted[place]) {
+            m_wanted[place] = true;
+            m_open.push_back(place);
         }
         return true;
     }
@@ -41,9 +34,9 @@ public:
             const SourceNode& node = m_document.nodes[m_open.back()];
             m_open.pop_back();
             for (const Element& element : node.elements) {
-                if (IsNeeded(element))
+                if (IsNeeded(m_document.NameOf(element.name)))
                     Want(element.text);
-                if (element.attributeName == "pOffset")
+                if (element.attributeName == AttributeName::pOffset)
                     Want(element.attribute);
             }
         }
@@ -53,37 +46,35 @@ public:
 
 private:
     const Document& m_document;
-    std::unordered_map<std::string_view, size_t> m_places;
     std::vector<bool> m_wanted;
-    std::vector<size_t> m_open;
+    std::vector<uint32_t> m_open;
 };
-
-void Rename(Document& document, std::string_view from, const std::string& to) {
-    for (SourceNode& node : document.nodes) {
-        if (node.name == from)
-            node.name = to;
-        for (Element& element : node.elements)
-            if (IsNeeded(element) && element.text == from)
-                element.text = to;
-    }
-}
 
 } // namespace
 
-Document ExtractDocument(const Document& document, std::string_view root, bool renameToRoot) {
+void ExtractDocument(const Document& document, std::string_view root, bool renameToRoot,
+                     DocumentWriter& writer) {
     Extraction extraction(document);
     if (!extraction.Want(root))
         throw RUNTIME_EXCEPTION("There is no node '%s' to extract.", std::string(root).c_str());
     extraction.WantAllNeeded();
-    Document subtree;
-    subtree.header = document.header;
-    subtree.names = document.names;
-    for (size_t i = 0; i < document.nodes.size(); ++i)
-        if (extraction.IsWanted(i) && !(renameToRoot && root != "Root" && document.nodes[i].name == "Root"))
-            subtree.nodes.push_back(document.nodes[i]);
-    if (renameToRoot)
-        Rename(subtree, root, "Root");
-    return subtree;
+    writer.CopyHeader(document.header);
+    const bool rename = renameToRoot && root != "Root";
+    const auto renamed = [&](std::string_view name) { return rename && name == root ? "Root" : name; };
+    std::vector<ElementDraft> elements;
+    for (size_t i = 0; i < document.nodes.size(); ++i) {
+        const SourceNode& node = document.nodes[i];
+        if (!extraction.IsWanted(i) || (rename && node.name == "Root"))
+            continue;
+        writer.DraftElements(document, node, elements);
+        for (ElementDraft& element : elements)
+            if (IsNeeded(writer.NameOf(element.name)))
+                element.text = renamed(element.text);
+        NodeDraft draft = writer.Draft(document, node);
+        draft.name = renamed(draft.name);
+        writer.Add(draft, elements.data(), elements.size());
+    }
+    writer.Finish();
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "genapi/src/document/Lexical.h"
+#include "genapi/src/image/Flat.h"
 
 #include <functional>
 #include <stdexcept>
@@ -78,13 +79,19 @@ struct Instruction {
     };
 };
 
-/// A compiled formula. Immutable; any thread may evaluate it.
-struct Formula {
-    std::string text;
+/// A formula as the compiler leaves it.
+struct FormulaDraft {
     std::vector<Instruction> code;
-    std::vector<std::string>
-        undefined; ///< names that nobody declares: an error only where evaluation meets one
-    size_t stackSize = 0;
+    std::vector<std::string_view> undefined; ///< names that nobody declares
+    uint32_t stackSize = 0;
+};
+
+/// A compiled formula, part of an image. Immutable; any thread may evaluate it.
+struct Formula {
+    Text text; ///< the beginning, for messages
+    List<Instruction> code;
+    List<Text> undefined; ///< names that nobody declares: an error only where evaluation meets one
+    uint32_t stackSize = 0;
     bool integer = false; ///< everything is int64, as IntSwissKnife and IntConverter have it
 };
 
@@ -98,8 +105,8 @@ struct Symbol {
 
 using SymbolTable = std::function<Symbol(std::string_view name)>;
 
-/// Compiles `text`. FormulaError says what is wrong and where.
-Formula CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols);
+/// Compiles `text`, which must outlive the draft. FormulaError says what is wrong and where.
+FormulaDraft CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols);
 
 /// Gives the values of variables while a formula is evaluated.
 class VariableValues {

@@ -52,7 +52,8 @@ const FunctionName* FindFunction(std::string_view name) {
 
 class Compiler {
 public:
-    Compiler(Formula& formula, const SymbolTable& symbols) : m_formula(formula), m_symbols(symbols) {}
+    Compiler(FormulaDraft& formula, bool integer, const SymbolTable& symbols)
+        : m_formula(formula), m_integer(integer), m_symbols(symbols) {}
 
     void CompileText(std::string_view text) {
         if (text.size() > kMaxTextLength)
@@ -90,7 +91,7 @@ private:
             throw FormulaError("compiles to more than " + std::to_string(kMaxInstructions) + " steps");
         m_formula.code.push_back(instruction);
         m_depth = static_cast<size_t>(static_cast<int>(m_depth) + stackChange);
-        m_formula.stackSize = std::max(m_formula.stackSize, m_depth);
+        m_formula.stackSize = std::max(m_formula.stackSize, static_cast<uint32_t>(m_depth));
         if (m_depth > kMaxStack)
             throw FormulaError("needs more than " + std::to_string(kMaxStack) + " operands");
         return m_formula.code.size() - 1;
@@ -101,7 +102,7 @@ private:
     }
     void Push(Number value) {
         Instruction push{Op::PushInteger, 0, 0, {}};
-        if (m_formula.integer || value.isInteger) {
+        if (m_integer || value.isInteger) {
             push.integer = value.AsInteger();
         } else {
             push.op = Op::PushReal;
@@ -261,7 +262,8 @@ private:
         Emit(Instruction{Op::Function, count, static_cast<uint32_t>(function.function), {}}, 1 - count);
     }
 
-    Formula& m_formula;
+    FormulaDraft& m_formula;
+    const bool m_integer;
     const SymbolTable& m_symbols;
     FormulaLexer* m_lexer = nullptr;
     std::vector<std::string> m_expressions;
@@ -271,11 +273,9 @@ private:
 
 } // namespace
 
-Formula CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols) {
-    Formula formula;
-    formula.text = std::string(text.substr(0, 200));
-    formula.integer = integer;
-    Compiler(formula, symbols).CompileText(text);
+FormulaDraft CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols) {
+    FormulaDraft formula;
+    Compiler(formula, integer, symbols).CompileText(text);
     return formula;
 }
 

@@ -236,8 +236,9 @@ Operand LoadVariable(const Formula& formula, uint32_t slot, VariableValues& valu
 }
 
 Operand Run(const Formula& formula, VariableValues& values, Operand* top) {
-    const std::vector<Instruction>& code = formula.code;
-    for (size_t next = 0; next < code.size();) {
+    const Instruction* const code = formula.code.begin();
+    const size_t count = formula.code.size();
+    for (size_t next = 0; next < count;) {
         const Instruction& step = code[next++];
         switch (step.op) {
         case Op::PushInteger:
@@ -250,7 +251,7 @@ Operand Run(const Formula& formula, VariableValues& values, Operand* top) {
             *top++ = LoadVariable(formula, step.argument, values);
             break;
         case Op::Undefined:
-            throw FormulaError("'" + formula.undefined[step.argument] + "' is not defined");
+            throw FormulaError("'" + formula.undefined[step.argument].Copy() + "' is not defined");
         case Op::Jump:
             next = step.argument;
             break;

@@ -6,18 +6,19 @@ namespace GENAPI_NAMESPACE::inside {
 
 Engine::Engine(std::shared_ptr<const Description> description)
     : m_description(std::move(description)), m_states(m_description->nodes.size()),
-      m_places(m_description->registers.size()), m_tableValues(m_description->tableValues),
+      m_places(m_description->registers.size()),
+      m_tableValues(m_description->tableValues.begin(), m_description->tableValues.end()),
       m_texts(m_description->texts), m_ports(m_description->ports.size()),
       m_pollElapsed(m_description->polled.size(), 0) {
     for (NodeIndex i = 0; i < m_states.size(); ++i) {
-        const SourcePart* source = Node(i).source.get();
+        const SourcePart* source = Node(i).source.Find();
         if (!source || source->form != SourcePart::Form::Own)
             continue;
         NodeState& state = m_states[i];
         state.ownsValue = true;
         state.valueKept = true;
         if (Node(i).kind == ValueKind::Text)
-            m_texts[source->textSlot] = source->initialText;
+            m_texts[source->textSlot] = source->initialText.Copy();
         else if (Node(i).kind == ValueKind::Float)
             state.real = source->initial.AsDouble();
         else

@@ -26,7 +26,7 @@ public:
             Renew(state);
         return state;
     }
-    std::string Name(NodeIndex node) const { return std::string(Node(node).name); }
+    std::string Name(NodeIndex node) const { return Node(node).name.Copy(); }
 
     // Access modes
     EAccessMode Mode(NodeIndex node);
@@ -73,7 +73,7 @@ public:
     /// True when the targets of a node with copies have increments that no one value could suit.
     bool IncrementsDiffer(NodeIndex node);
     std::optional<double> FloatIncrement(NodeIndex node);
-    const std::vector<int64_t>& ValidValues(NodeIndex node) const;
+    const List<int64_t>& ValidValues(NodeIndex node) const;
     /// OutOfRangeException when the value lies outside the limits.
     void CheckRange(NodeIndex node, int64_t value);
     /// Also against increment and list.

@@ -17,7 +17,7 @@ EAccessMode WithoutReading(EAccessMode mode) {
     return mode == RW ? WO : mode == RO ? NA : mode;
 }
 
-std::string Text(EAccessMode mode) {
+std::string ModeText(EAccessMode mode) {
     return EAccessModeClass::ToString(mode).c_str();
 }
 
@@ -35,14 +35,14 @@ void Engine::RequireReadable(NodeIndex node) {
     const EAccessMode mode = Mode(node);
     if (!IsReadable(mode))
         throw ACCESS_EXCEPTION("Node '%s' is not readable: %s (access mode %s).", Name(node).c_str(),
-                               WhyNot(node, false, 0).c_str(), Text(mode).c_str());
+                               WhyNot(node, false, 0).c_str(), ModeText(mode).c_str());
 }
 
 void Engine::RequireWritable(NodeIndex node) {
     const Modes modes = ModesOf(node);
     if (!IsWritable(modes.real) && !IsWritable(modes.overPort))
         throw ACCESS_EXCEPTION("Node '%s' is not writable: %s (access mode %s).", Name(node).c_str(),
-                               WhyNot(node, true, 0).c_str(), Text(modes.real).c_str());
+                               WhyNot(node, true, 0).c_str(), ModeText(modes.real).c_str());
 }
 
 void Engine::ImposeMode(NodeIndex node, EAccessMode mode) {
@@ -227,7 +227,7 @@ Engine::Modes Engine::FormulaModes(NodeIndex node) {
 std::string Engine::WhyNot(NodeIndex node, bool write, int depth) {
     const NodeDescription& description = Node(node);
     if (!description.error.empty())
-        return "it could not be built: " + description.error;
+        return "it could not be built: " + description.error.Copy();
     const auto ask = [&](NodeIndex predicate, Truth wanted) {
         return predicate == kNoNode ? wanted : Ask(predicate);
     };
@@ -240,7 +240,7 @@ std::string Engine::WhyNot(NodeIndex node, bool write, int depth) {
     const EAccessMode own = static_cast<EAccessMode>(m_states[node].imposedMode);
     for (const EAccessMode imposed : {own, description.imposedMode})
         if (write ? !IsWritable(imposed) : !IsReadable(imposed))
-            return "its access is imposed to be " + Text(imposed);
+            return "its access is imposed to be " + ModeText(imposed);
     if (depth >= kMaxReasonDepth)
         return "of what it is built on";
     return WhyBaseNot(node, write, depth);
@@ -258,12 +258,12 @@ std::string Engine::WhyBaseNot(NodeIndex node, bool write, int depth) {
             if (!IsReadableNode(term.node))
                 return because(term.node, false);
         if (write ? !IsWritable(reg.mode) : !IsReadable(reg.mode))
-            return "its register is " + Text(reg.mode);
+            return "its register is " + ModeText(reg.mode);
         if (HoldsData(reg.port))
             return write ? "events and chunks can't be written" : "the data of its port is too short";
         if (Node(reg.port).port->isChunk && !Port(reg.port).implementation)
             return "no attached buffer has the chunk of '" + Name(reg.port) + "'";
-        return Port(reg.port).implementation ? "port '" + Name(reg.port) + "' is " + Text(Mode(reg.port))
+        return Port(reg.port).implementation ? "port '" + Name(reg.port) + "' is " + ModeText(Mode(reg.port))
                                              : "port '" + Name(reg.port) + "' is not connected";
     }
     if (description.type == NodeType::Command && !write)
@@ -280,7 +280,7 @@ std::string Engine::WhyBaseNot(NodeIndex node, bool write, int depth) {
     }
     if (description.formula) {
         if (!description.formula->error.empty())
-            return "its formula is wrong: " + description.formula->error;
+            return "its formula is wrong: " + description.formula->error.Copy();
         for (const VariableReference& variable : description.formula->variables)
             if (variable.property == VariableReference::Property::Value && !IsReadableNode(variable.node))
                 return because(variable.node, false);

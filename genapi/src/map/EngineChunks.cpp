@@ -27,8 +27,8 @@ void Engine::FindChunkPorts() {
         m_chunks.ports.push_back(port);
         if (Node(port).port->cacheChunkData)
             m_chunks.copying.push_back(port);
-        for (const Element& element : m_description->document->nodes[port].elements)
-            if (element.name == "pChunkID" && m_description->Find(element.text) != kNoNode)
+        for (const Element& element : m_description->document.nodes[port].elements)
+            if (element.name == ElementName::pChunkID && m_description->Find(element.text) != kNoNode)
                 m_chunks.idNodes.push_back(m_description->Find(element.text));
     }
     if (m_chunks.ports.empty())
@@ -71,8 +71,8 @@ void Engine::SetHasCallbacks(NodeIndex node, bool has) {
 }
 
 std::optional<uint64_t> Engine::ChunkIdOf(NodeIndex port) {
-    for (const Element& element : m_description->document->nodes[port].elements) {
-        if (element.name != "pChunkID")
+    for (const Element& element : m_description->document.nodes[port].elements) {
+        if (element.name != ElementName::pChunkID)
             continue;
         const NodeIndex id = m_description->Find(element.text);
         try {

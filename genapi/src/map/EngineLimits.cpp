@@ -232,8 +232,8 @@ std::optional<double> Engine::FloatIncrement(NodeIndex node) {
     return std::nullopt;
 }
 
-const std::vector<int64_t>& Engine::ValidValues(NodeIndex node) const {
-    static const std::vector<int64_t> none;
+const List<int64_t>& Engine::ValidValues(NodeIndex node) const {
+    static const List<int64_t> none;
     return Node(node).limits ? Node(node).limits->validValues : none;
 }
 
@@ -263,7 +263,7 @@ void Engine::CheckInteger(NodeIndex node, int64_t value) {
             "Value %lld of '%s' is no multiple of the increment %lld (min %lld, max %lld).",
             static_cast<long long>(value), Name(node).c_str(), static_cast<long long>(inc),
             static_cast<long long>(min), static_cast<long long>(max));
-    const std::vector<int64_t>& valid = ValidValues(node);
+    const List<int64_t>& valid = ValidValues(node);
     if (!valid.empty() && std::find(valid.begin(), valid.end(), value) == valid.end())
         throw OUT_OF_RANGE_EXCEPTION("Value %lld of '%s' is not in its list of valid values.",
                                      static_cast<long long>(value), Name(node).c_str());

@@ -54,7 +54,7 @@ Number Engine::ReadNumber(NodeIndex node) {
 void Engine::NoNumber(NodeIndex node) const {
     if (!Node(node).error.empty())
         throw ACCESS_EXCEPTION("Node '%s' could not be built: %s.", Name(node).c_str(),
-                               Node(node).error.c_str());
+                               Node(node).error.Copy().c_str());
     throw RUNTIME_EXCEPTION("Node '%s' has no numeric value.", Name(node).c_str());
 }
 
@@ -142,7 +142,8 @@ double Engine::ReadNumericValue(NodeIndex enumeration) {
 Number Engine::Evaluate(NodeIndex node, bool writing, const Number* converted) {
     const FormulaPart& part = *Node(node).formula;
     if (!part.error.empty())
-        throw RUNTIME_EXCEPTION("The formula of '%s' is wrong: %s.", Name(node).c_str(), part.error.c_str());
+        throw RUNTIME_EXCEPTION("The formula of '%s' is wrong: %s.", Name(node).c_str(),
+                                part.error.Copy().c_str());
     const Formula& formula = writing ? *part.writing : *part.reading;
     try {
         if (converted || part.node == kNoNode) {
@@ -158,7 +159,7 @@ Number Engine::Evaluate(NodeIndex node, bool writing, const Number* converted) {
     } catch (const FormulaError& error) {
         throw GENICAM_NAMESPACE::ExceptionReporter<NoValueNow>(__FILE__, __LINE__, "RuntimeException")
             .Report("The formula of '%s' has no value now: %s in \"%s\".", Name(node).c_str(), error.what(),
-                    formula.text.c_str());
+                    formula.text.Copy().c_str());
     }
 }
 

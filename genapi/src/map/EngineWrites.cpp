@@ -105,10 +105,8 @@ void Engine::WriteSource(NodeIndex node, Number value, bool verify) {
         Changed(node);
         return;
     }
-    // In document order: the file lists the copies around or after the value.
-    for (const Element& element : m_description->document->nodes[node].elements)
-        if (element.name == "pValue" || (element.name == "pValueCopy" && !source.copies.empty()))
-            WriteNumber(m_description->Find(element.text), value, verify);
+    for (const NodeIndex target : source.targets)
+        WriteNumber(target, value, verify);
 }
 
 void Engine::StoreOwn(NodeIndex node, Number value) {
@@ -143,7 +141,7 @@ void Engine::WriteEnumeration(NodeIndex node, int64_t value, bool verify) {
 void Engine::RequireEntry(NodeIndex enumeration, NodeIndex entry) {
     if (!IsEntryAvailable(entry))
         throw ACCESS_EXCEPTION("Entry '%s' of '%s' is not available: %s.",
-                               Node(entry).entry->symbolic.c_str(), Name(enumeration).c_str(),
+                               Node(entry).entry->symbolic.Copy().c_str(), Name(enumeration).c_str(),
                                WhyNot(entry, false, 0).c_str());
 }
 
@@ -157,10 +155,10 @@ void Engine::ReportErrors(NodeIndex node) {
         const NodeIndex entry = Node(error).type == NodeType::Enumeration ? EntryOf(error, code) : kNoNode;
         std::string text = std::to_string(code);
         if (entry != kNoNode) {
-            text = Node(entry).entry->symbolic;
-            for (const Element& element : m_description->document->nodes[entry].elements)
-                if (element.name == "DisplayName" || element.name == "ToolTip")
-                    text += ": " + element.text;
+            text = Node(entry).entry->symbolic.Copy();
+            for (const Element& element : m_description->document.nodes[entry].elements)
+                if (element.name == ElementName::DisplayName || element.name == ElementName::ToolTip)
+                    text += ": " + element.text.Copy();
         }
         throw RUNTIME_EXCEPTION("The device refused the value of '%s': '%s' says %s.", Name(node).c_str(),
                                 Name(error).c_str(), text.c_str());

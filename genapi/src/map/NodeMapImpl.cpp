@@ -12,6 +12,14 @@ using GENICAM_NAMESPACE::gcstring_vector;
 
 namespace inside {
 
+namespace {
+
+gcstring ToText(std::string_view text) {
+    return gcstring(text.data(), text.size());
+}
+
+} // namespace
+
 NodeMapImpl::NodeMapImpl(std::shared_ptr<const Description> description, gcstring deviceName)
     : m_description(std::move(description)), m_deviceName(std::move(deviceName)), m_engine(m_description),
       m_nodes(m_description->nodes.size()) {}
@@ -105,8 +113,8 @@ uint64_t NodeMapImpl::GetNumNodes() const {
 
 bool NodeMapImpl::ParseSwissKnifes(gcstring_vector* pErrors) const {
     if (pErrors)
-        for (const std::string& error : m_description->formulaErrors)
-            pErrors->push_back(error.c_str());
+        for (const Text& error : m_description->formulaErrors)
+            pErrors->push_back(ToText(error));
     return m_description->formulaErrors.empty();
 }
 
@@ -116,22 +124,22 @@ void NodeMapImpl::SetSuppressCallbackMode(bool Suppress) {
 }
 
 gcstring NodeMapImpl::GetModelName() {
-    return m_description->document->header.modelName.c_str();
+    return ToText(m_description->document.header.modelName);
 }
 gcstring NodeMapImpl::GetVendorName() {
-    return m_description->document->header.vendorName.c_str();
+    return ToText(m_description->document.header.vendorName);
 }
 gcstring NodeMapImpl::GetToolTip() {
-    return m_description->document->header.toolTip.c_str();
+    return ToText(m_description->document.header.toolTip);
 }
 gcstring NodeMapImpl::GetStandardNameSpace() {
-    return m_description->document->header.standardNameSpace.c_str();
+    return ToText(m_description->document.header.standardNameSpace);
 }
 gcstring NodeMapImpl::GetProductGuid() {
-    return m_description->document->header.productGuid.c_str();
+    return ToText(m_description->document.header.productGuid);
 }
 gcstring NodeMapImpl::GetVersionGuid() {
-    return m_description->document->header.versionGuid.c_str();
+    return ToText(m_description->document.header.versionGuid);
 }
 
 void NodeMapImpl::GetGenApiVersion(Version_t& Version, uint16_t& Build) {
@@ -139,11 +147,11 @@ void NodeMapImpl::GetGenApiVersion(Version_t& Version, uint16_t& Build) {
     Build = 0;
 }
 void NodeMapImpl::GetSchemaVersion(Version_t& Version) {
-    const auto& numbers = m_description->document->header.schema;
+    const auto& numbers = m_description->document.header.schema;
     Version = {numbers[0], numbers[1], numbers[2]};
 }
 void NodeMapImpl::GetDeviceVersion(Version_t& Version) {
-    const auto& numbers = m_description->document->header.device;
+    const auto& numbers = m_description->document.header.device;
     Version = {numbers[0], numbers[1], numbers[2]};
 }
 

@@ -95,20 +95,20 @@ ECachingMode NodeBase::GetCachingMode() const {
 int64_t NodeBase::GetPollingTime() const {
     return Description().pollingTime;
 }
-gcstring NodeBase::ElementText(std::string_view name) const {
+gcstring NodeBase::ElementText(ElementName name) const {
     for (const Element& element : Source().elements)
         if (element.name == name)
             return ToText(element.text);
     return {};
 }
 gcstring NodeBase::GetToolTip() const {
-    return ElementText("ToolTip");
+    return ElementText(ElementName::ToolTip);
 }
 gcstring NodeBase::GetDescription() const {
-    return ElementText("Description");
+    return ElementText(ElementName::Description);
 }
 gcstring NodeBase::GetDisplayName() const {
-    const gcstring given = ElementText("DisplayName");
+    const gcstring given = ElementText(ElementName::DisplayName);
     if (!given.empty())
         return given;
     return Description().entry ? ToText(Description().entry->symbolic) : GetName(false);
@@ -176,7 +176,7 @@ void NodeBase::GetParents(NodeList_t& Parents) const {
     const inside::Description& description = m_map.GetDescription();
     for (NodeIndex i = 0; i < description.nodes.size(); ++i) {
         const auto children = description.reads.Of(i);
-        const std::vector<NodeIndex>& features = description.nodes[i].features;
+        const List<NodeIndex>& features = description.nodes[i].features;
         if (std::binary_search(children.begin(), children.end(), m_index) ||
             std::find(features.begin(), features.end(), m_index) != features.end())
             Parents.push_back(m_map.NodeAt(i));
@@ -193,7 +193,7 @@ INodeMap* NodeBase::GetNodeMap() const {
     return &m_map;
 }
 gcstring NodeBase::GetEventID() const {
-    return ElementText("EventID");
+    return ElementText(ElementName::EventID);
 }
 bool NodeBase::IsStreamable() const {
     return Description().streamable;
@@ -202,9 +202,12 @@ bool NodeBase::IsStreamable() const {
 void NodeBase::GetPropertyNames(gcstring_vector& PropertyNames) const {
     PropertyNames.clear();
     PropertyNames.push_back("Name");
-    for (const Element& element : Source().elements)
-        if (!PropertyNames.contains(ToText(element.name)))
-            PropertyNames.push_back(ToText(element.name));
+    const Document& document = m_map.GetDescription().document;
+    for (const Element& element : Source().elements) {
+        const gcstring name = ToText(document.NameOf(element.name));
+        if (!PropertyNames.contains(name))
+            PropertyNames.push_back(name);
+    }
     if (!Description().error.empty())
         PropertyNames.push_back("BuildError");
 }
@@ -219,9 +222,10 @@ bool NodeBase::GetProperty(const gcstring& PropertyName, gcstring& ValueStr, gcs
         ValueStr = ToText(Description().error);
         return true;
     }
+    const std::string_view wanted(PropertyName.c_str(), PropertyName.size());
     bool found = false;
     for (const Element& element : Source().elements) {
-        if (ToText(element.name) != PropertyName)
+        if (m_map.GetDescription().document.NameOf(element.name) != wanted)
             continue;
         if (found) {
             ValueStr += "\t";
@@ -255,16 +259,16 @@ INode* NodeBase::GetCastAlias() const {
 }
 
 gcstring NodeBase::GetDocuURL() const {
-    const gcstring given = ElementText("DocuURL");
+    const gcstring given = ElementText(ElementName::DocuURL);
     std::string url(given.c_str(), given.size());
-    const SourceHeader& header = m_map.GetDescription().document->header;
+    const SourceHeader& header = m_map.GetDescription().document.header;
     const std::string name(Description().name);
     for (const auto& [variable, value] : std::initializer_list<std::pair<const char*, std::string>>{
              {"NodeName", name},
              {"Sys::NodeName", name},
-             {"Sys::ModelName", header.modelName},
-             {"Sys::VendorName", header.vendorName},
-             {"Sys::StandardNamespace", header.standardNameSpace},
+             {"Sys::ModelName", header.modelName.Copy()},
+             {"Sys::VendorName", header.vendorName.Copy()},
+             {"Sys::StandardNamespace", header.standardNameSpace.Copy()},
              {"Sys::GenApiVersion", "3.0.0"},
              {"Sys::SchemaVersion", VersionText(header.schema)},
              {"Sys::DeviceVersion", VersionText(header.device)}})
@@ -284,7 +288,7 @@ bool NodeBase::IsFeature() const {
 bool NodeBase::IsSelector() const {
     return !Description().selected.empty();
 }
-void NodeBase::AddFeatures(FeatureList_t& list, const std::vector<NodeIndex>& nodes) const {
+void NodeBase::AddFeatures(FeatureList_t& list, const List<NodeIndex>& nodes) const {
     list.clear();
     for (const NodeIndex node : nodes)
         if (auto* value = dynamic_cast<IValue*>(m_map.NodeAt(node)))

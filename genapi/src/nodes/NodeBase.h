@@ -56,9 +56,9 @@ public:
 
 protected:
     const NodeDescription& Description() const { return m_map.GetDescription().nodes[m_index]; }
-    const SourceNode& Source() const { return m_map.GetDescription().document->nodes[m_index]; }
-    GENICAM_NAMESPACE::gcstring ElementText(std::string_view name) const;
-    void AddFeatures(FeatureList_t& list, const std::vector<NodeIndex>& nodes) const;
+    const SourceNode& Source() const { return m_map.GetDescription().document.nodes[m_index]; }
+    GENICAM_NAMESPACE::gcstring ElementText(ElementName name) const;
+    void AddFeatures(FeatureList_t& list, const List<NodeIndex>& nodes) const;
 
     /// NodeMapImpl::Do, refusing a node that could not be built.
     template <class Work>

@@ -14,7 +14,7 @@ std::string_view View(const gcstring& text) {
 
 /// The node that a value comes from now, one step down; kNoNode at the end.
 NodeIndex Below(Engine& engine, NodeIndex node) {
-    const SourcePart* source = engine.Node(node).source.get();
+    const SourcePart* source = engine.Node(node).source.Find();
     if (!source || !engine.Node(node).error.empty())
         return kNoNode;
     if (source->form != SourcePart::Form::Table)
@@ -32,11 +32,11 @@ Display DisplayOf(Engine& engine, NodeIndex node) {
     std::optional<int64_t> precision;
     constexpr int kMaxSteps = 32;
     for (int i = 0; i < kMaxSteps && node != kNoNode; ++i, node = Below(engine, node)) {
-        const DisplayPart* part = engine.Node(node).display.get();
+        const DisplayPart* part = engine.Node(node).display.Find();
         if (!part)
             break;
         if (display.unit.empty())
-            display.unit = part->unit;
+            display.unit = part->unit.Copy();
         representation = representation ? representation : part->representation;
         notation = notation ? notation : part->notation;
         precision = precision ? precision : part->precision;

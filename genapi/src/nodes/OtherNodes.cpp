@@ -6,6 +6,10 @@ using GENICAM_NAMESPACE::gcstring;
 
 namespace {
 
+gcstring ToText(std::string_view text) {
+    return gcstring(text.data(), text.size());
+}
+
 std::string_view View(const gcstring& text) {
     return {text.c_str(), text.size()};
 }
@@ -153,7 +157,7 @@ void EnumerationNode::GetSymbolics(StringList_t& Symbolics) {
     Do([&](Engine& engine) {
         for (const NodeIndex entry : Description().entries)
             if (engine.IsEntryAvailable(entry))
-                Symbolics.push_back(engine.Node(entry).entry->symbolic.c_str());
+                Symbolics.push_back(ToText(engine.Node(entry).entry->symbolic));
     });
 }
 void EnumerationNode::GetEntries(NodeList_t& Entries) {
@@ -202,7 +206,7 @@ gcstring EnumerationNode::ToString(bool Verify, bool IgnoreCache) {
         if (entry == kNoNode)
             throw RUNTIME_EXCEPTION("Value %lld of '%s' has no entry.", static_cast<long long>(value),
                                     GetName(false).c_str());
-        return gcstring(engine.Node(entry).entry->symbolic.c_str());
+        return ToText(engine.Node(entry).entry->symbolic);
     });
 }
 void EnumerationNode::FromString(const gcstring& ValueStr, bool Verify) {
@@ -221,7 +225,7 @@ int64_t EnumEntryNode::GetValue() {
     return Description().entry ? Description().entry->value : 0;
 }
 gcstring EnumEntryNode::GetSymbolic() const {
-    return Description().entry ? gcstring(Description().entry->symbolic.c_str()) : gcstring();
+    return Description().entry ? ToText(Description().entry->symbolic) : gcstring();
 }
 double EnumEntryNode::GetNumericValue() {
     return Description().entry ? Description().entry->numericValue : 0.0;
@@ -267,7 +271,7 @@ EYesNo PortNode::GetSwapEndianess() {
     return Description().port->swap ? Yes : No;
 }
 gcstring PortNode::GetChunkID() {
-    return Description().port->chunkId.c_str();
+    return ToText(Description().port->chunkId);
 }
 EYesNo PortNode::CacheChunkData() {
     return Description().port->cacheChunkData ? Yes : No;

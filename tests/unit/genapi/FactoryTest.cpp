@@ -270,13 +270,12 @@ TEST(Factory, SubtreeHoldsWhatItsRootNeeds) {
               "There is no node 'Nothing' to extract.");
 }
 
-TEST(Factory, EmptyOneRefusesAndMissingPartsSaySo) {
+TEST(Factory, EmptyOneRefuses) {
     CNodeMapFactory empty;
     EXPECT_TRUE(empty.IsEmpty());
     EXPECT_THROW(empty.CreateNodeMap(), RuntimeException);
     EXPECT_THROW(empty.AddInjectionData(empty), RuntimeException);
-    EXPECT_THROW(CNodeMapFactory::ClearCache(), RuntimeException);
-    EXPECT_THROW(CNodeMapFactory(kXml.c_str(), CacheUsage_ForceRead), RuntimeException);
+    EXPECT_THROW(empty.LoadAndInject(), RuntimeException);
     gcstring_vector versions;
     CNodeMapFactory::GetSupportedSchemaVersions(versions);
     EXPECT_TRUE(versions.contains("1.1"));

@@ -1,0 +1,183 @@
+#include "genapi/src/cache/DescriptionCache.h"
+
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+namespace GENAPI_NAMESPACE::inside {
+
+namespace {
+
+constexpr std::string_view kSuffix = ".zqgenapi";
+constexpr std::string_view kUnfinishedSuffix = ".zqgenapi-new";
+
+/// To be raised whenever an image of the same layout means something else.
+constexpr uint32_t kVersion = 1;
+
+/// Another compiler, or another version of the structures, lays out other images.
+constexpr uint32_t LayoutNumber() {
+    uint32_t number = 0;
+    for (const size_t size :
+         {sizeof(Description), sizeof(NodeDescription), sizeof(SourceNode), sizeof(Element),
+          sizeof(RegisterPart), sizeof(SourcePart), sizeof(LimitPart), sizeof(DisplayPart),
+          sizeof(FormulaPart), sizeof(Formula), sizeof(Instruction), sizeof(VariableReference),
+          sizeof(EntryPart), sizeof(PortPart), sizeof(Number), static_cast<size_t>(ElementName::FirstUnknown),
+          static_cast<size_t>(NodeType::Port)})
+        number = number * 31 + static_cast<uint32_t>(size);
+    return number;
+}
+
+struct Header {
+    char magic[8] = {'Z', 'Q', 'I', 'M', 'A', 'G', 'E', '\n'};
+    uint32_t version = kVersion;
+    uint32_t layout = LayoutNumber();
+    uint32_t byteOrder = 0x01020304;
+    uint32_t reserved = 0;
+    uint64_t keyLow = 0;
+    uint64_t keyHigh = 0;
+    uint64_t size = 0;
+    uint64_t checksum = 0;
+    uint64_t filler = 0;
+};
+static_assert(sizeof(Header) == 64, "the image behind it is aligned");
+
+Header HeaderOf(CacheKey key, const void* image, size_t size) {
+    Header header;
+    header.keyLow = key.low;
+    header.keyHigh = key.high;
+    header.size = size;
+    header.checksum = XXH3_64bits(image, size);
+    return header;
+}
+
+/// Closed at the end of its life.
+class File {
+public:
+    File(const std::string& path, int flags) : m_file(open(path.c_str(), flags | O_CLOEXEC, 0644)) {}
+    ~File() { Close(); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    bool IsOpen() const { return m_file >= 0; }
+    size_t Size() const {
+        struct stat status {};
+        return fstat(m_file, &status) == 0 && status.st_size > 0 ? static_cast<size_t>(status.st_size) : 0;
+    }
+    bool Read(char* bytes, size_t size) const {
+        while (size > 0) {
+            const ssize_t got = read(m_file, bytes, size);
+            if (got <= 0)
+                return false;
+            bytes += got;
+            size -= static_cast<size_t>(got);
+        }
+        return true;
+    }
+    bool Write(const void* data, size_t size) const {
+        const auto* bytes = static_cast<const char*>(data);
+        while (size > 0) {
+            const ssize_t put = write(m_file, bytes, size);
+            if (put <= 0)
+                return false;
+            bytes += put;
+            size -= static_cast<size_t>(put);
+        }
+        return true;
+    }
+    bool Close() {
+        const bool good = m_file < 0 || close(m_file) == 0;
+        m_file = -1;
+        return good;
+    }
+
+private:
+    int m_file;
+};
+
+bool EndsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+} // namespace
+
+CacheKey KeyOf(std::string_view bytes, bool keepTexts) {
+    const XXH128_hash_t hash = XXH3_128bits_withSeed(bytes.data(), bytes.size(), keepTexts ? 1 : 0);
+    return {hash.low64, hash.high64};
+}
+
+CacheKey KeyOf(CacheKey target, CacheKey addition) {
+    const uint64_t both[4] = {target.low, target.high, addition.low, addition.high};
+    const XXH128_hash_t hash = XXH3_128bits(both, sizeof both);
+    return {hash.low64, hash.high64};
+}
+
+std::optional<DescriptionCache> DescriptionCache::Find() {
+    const char* const folder = std::getenv("GENICAM_CACHE_V3_0");
+    if (!folder || !*folder)
+        return std::nullopt;
+    return DescriptionCache(folder);
+}
+
+std::string DescriptionCache::PathOf(CacheKey key) const {
+    char name[40];
+    std::snprintf(name, sizeof name, "%016llx%016llx", static_cast<unsigned long long>(key.high),
+                  static_cast<unsigned long long>(key.low));
+    return (m_folder + "/").append(name).append(kSuffix);
+}
+
+std::shared_ptr<const Description> DescriptionCache::Read(CacheKey key) const {
+    const File file(PathOf(key), O_RDONLY);
+    const size_t size = file.IsOpen() ? file.Size() : 0;
+    if (size < sizeof(Header) + sizeof(Description) || size > sizeof(Header) + kMaxImageSize)
+        return nullptr;
+    const std::shared_ptr<char> memory(Memory(static_cast<char*>(std::malloc(size))));
+    if (!memory || !file.Read(memory.get(), size))
+        return nullptr;
+    const char* const image = memory.get() + sizeof(Header);
+    const Header expected = HeaderOf(key, image, size - sizeof(Header));
+    if (std::memcmp(memory.get(), &expected, sizeof expected) != 0)
+        return nullptr;
+    return {memory, reinterpret_cast<const Description*>(image)};
+}
+
+bool DescriptionCache::Write(CacheKey key, const DescriptionImage& image) const {
+    static std::atomic<unsigned> count{0};
+    const std::string path = PathOf(key);
+    const std::string unfinished = path.substr(0, path.size() - kSuffix.size()) + "." +
+                                   std::to_string(getpid()) + "." + std::to_string(++count) +
+                                   std::string(kUnfinishedSuffix);
+    File file(unfinished, O_WRONLY | O_CREAT | O_EXCL);
+    if (!file.IsOpen())
+        return false;
+    const void* const bytes = image.description.get();
+    const Header header = HeaderOf(key, bytes, image.size);
+    const bool written = file.Write(&header, sizeof header) && file.Write(bytes, image.size);
+    if (file.Close() && written && std::rename(unfinished.c_str(), path.c_str()) == 0)
+        return true;
+    unlink(unfinished.c_str());
+    return false;
+}
+
+bool DescriptionCache::Clear() const {
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    bool all = true;
+    for (fs::directory_iterator file(m_folder, failure), end; !failure && file != end;
+         file.increment(failure)) {
+        const std::string name = file->path().filename().string();
+        std::error_code left;
+        if (EndsWith(name, kSuffix) || EndsWith(name, kUnfinishedSuffix))
+            all = fs::remove(file->path(), left) && all;
+    }
+    return all && !failure;
+}
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,263 @@
+// Who depends on whom.
+#include "genapi/src/description/EdgeLists.h"
+
+#include <algorithm>
+
+namespace GENAPI_NAMESPACE::inside {
+
+namespace {
+
+/// Collects the edges of one description and what follows from them.
+class EdgeBuilder {
+public:
+    EdgeBuilder(Arena& arena, Description& description) : m_arena(arena), m_description(description) {}
+
+    void Build() {
+        const size_t count = m_description.nodes.size();
+        for (NodeIndex i = 0; i < count; ++i)
+            Collect(i);
+        EdgeLists(count, m_reads).Keep(m_arena, m_description.reads);
+        AddSelectorEdges();
+        EdgeLists(count, m_invalidators).Keep(m_arena, m_description.invalidators);
+        EdgeLists(count, m_dependents).Keep(m_arena, m_description.dependents);
+        SpreadCaching();
+    }
+
+private:
+    void Depends(NodeIndex node, NodeIndex on) {
+        if (on != kNoNode)
+            m_dependents.emplace_back(on, node);
+    }
+    void Reads(NodeIndex node, NodeIndex what) {
+        if (what == kNoNode)
+            return;
+        m_reads.emplace_back(node, what);
+        m_valueUsers.emplace_back(what, node);
+        Depends(node, what);
+    }
+    void AsksForMode(NodeIndex node, NodeIndex predicate) {
+        if (predicate == kNoNode)
+            return;
+        m_predicateUsers.emplace_back(predicate, node);
+        Depends(node, predicate);
+    }
+
+    void Collect(NodeIndex i) {
+        const NodeDescription& node = m_description.nodes[i];
+        AsksForMode(i, node.implemented);
+        AsksForMode(i, node.available);
+        AsksForMode(i, node.locked);
+        for (const NodeIndex entry : node.entries)
+            Depends(i, entry);
+        if (node.reg)
+            CollectRegister(i, *node.reg);
+        if (node.source)
+            CollectSource(i, *node.source);
+        if (node.limits)
+            for (const NumberSource* limit : {&node.limits->min, &node.limits->max, &node.limits->inc})
+                Depends(i, limit->node);
+        if (node.formula) {
+            Reads(i, node.formula->node);
+            for (const VariableReference& variable : node.formula->variables)
+                if (variable.property != VariableReference::Property::Constant)
+                    Reads(i, variable.node);
+        }
+        Depends(i, node.commandValue);
+        for (const Element& element : m_description.document.nodes[i].elements)
+            if (element.name == ElementName::pInvalidator)
+                CollectInvalidator(i, m_description.Find(element.text));
+    }
+
+    void CollectInvalidator(NodeIndex node, NodeIndex invalidator) {
+        Depends(node, invalidator);
+        if (invalidator != kNoNode)
+            m_invalidators.emplace_back(node, invalidator);
+    }
+
+    void CollectRegister(NodeIndex i, const RegisterPart& reg) {
+        for (const AddressTerm& term : reg.terms) {
+            ReadsPlace(i, term.node);
+            ReadsPlace(i, term.offsetNode);
+        }
+        ReadsPlace(i, reg.lengthNode);
+        Depends(i, reg.port);
+    }
+    void ReadsPlace(NodeIndex node, NodeIndex what) {
+        if (what == kNoNode)
+            return;
+        m_reads.emplace_back(node, what);
+        m_placeUsers.emplace_back(what, node);
+        Depends(node, what);
+    }
+
+    void CollectSource(NodeIndex i, const SourcePart& source) {
+        Reads(i, source.node);
+        for (const NodeIndex copy : source.copies)
+            Depends(i, copy);
+        Reads(i, source.index);
+        for (const TableEntry& entry : source.entries)
+            Reads(i, entry.node);
+        if (source.fallback)
+            Reads(i, source.fallback->node);
+    }
+
+    // A device may keep one register for all settings of a selector: choosing another one makes the registers
+    // behind the selected feature stale, not only the feature.
+    void AddSelectorEdges() {
+        Edges selecting;
+        for (NodeIndex i = 0; i < m_description.nodes.size(); ++i)
+            for (const NodeIndex selected : m_description.nodes[i].selected) {
+                selecting.emplace_back(selected, i);
+                Depends(selected, i);
+                for (const NodeIndex reg : RegistersBehind(selected))
+                    Depends(reg, i);
+            }
+        if (selecting.empty())
+            return;
+        const EdgeLists lists(m_description.nodes.size(), selecting);
+        for (NodeIndex i = 0; i < m_description.nodes.size(); ++i) {
+            const Adjacency::Range range = lists.Of(i);
+            m_arena.KeepList(m_description.nodes[i].selecting,
+                             std::vector<NodeIndex>(range.begin(), range.end()));
+        }
+    }
+
+    // Bounded, because a hostile file can make every selector reach every node; past the budget only the
+    // feature itself becomes stale.
+    std::vector<NodeIndex> RegistersBehind(NodeIndex start) {
+        constexpr size_t kMaxNodes = 512;
+        std::vector<NodeIndex> seen{start};
+        std::vector<NodeIndex> registers;
+        m_seen.resize(m_description.nodes.size(), kNoNode);
+        for (size_t next = 0; next < seen.size() && seen.size() < kMaxNodes && m_selectorBudget > 0; ++next) {
+            // Past its own value a register reads only where it lies.
+            if (m_description.nodes[seen[next]].reg) {
+                registers.push_back(seen[next]);
+                continue;
+            }
+            for (const NodeIndex child : m_description.reads.Of(seen[next])) {
+                --m_selectorBudget;
+                if (child != start && m_seen[child] != m_walk && seen.size() < kMaxNodes) {
+                    m_seen[child] = m_walk;
+                    seen.push_back(child);
+                }
+            }
+        }
+        ++m_walk;
+        return registers;
+    }
+
+    // What can't be kept makes everything that is computed from it impossible to keep.
+    void SpreadCaching() {
+        List<NodeDescription>& nodes = m_description.nodes;
+        const EdgeLists valueUsers(nodes.size(), m_valueUsers);
+        const EdgeLists placeUsers(nodes.size(), m_placeUsers);
+        const EdgeLists predicateUsers(nodes.size(), m_predicateUsers);
+        std::vector<NodeIndex> open;
+        for (NodeIndex i = 0; i < nodes.size(); ++i)
+            if (nodes[i].reg && nodes[i].reg->caching == NoCache)
+                open.push_back(i);
+        for (const NodeIndex i : open)
+            nodes[i].cacheable = false;
+        while (!open.empty()) {
+            const NodeIndex i = open.back();
+            open.pop_back();
+            for (const NodeIndex user : valueUsers.Of(i))
+                if (nodes[user].cacheable) {
+                    nodes[user].cacheable = false;
+                    nodes[user].caching = NoCache;
+                    open.push_back(user);
+                }
+            for (const NodeIndex user : placeUsers.Of(i))
+                if (!nodes[user].addressVolatile) {
+                    nodes[user].addressVolatile = true;
+                    if (nodes[user].cacheable)
+                        open.push_back(user);
+                }
+        }
+        SpreadModeCaching(valueUsers, placeUsers, predicateUsers);
+        SpreadWriteAround(valueUsers);
+    }
+
+    void SpreadModeCaching(const EdgeLists& valueUsers, const EdgeLists& placeUsers,
+                           const EdgeLists& predicateUsers) {
+        List<NodeDescription>& nodes = m_description.nodes;
+        std::vector<NodeIndex> open;
+        const auto mark = [&](NodeIndex i) {
+            if (nodes[i].modeCacheable) {
+                nodes[i].modeCacheable = false;
+                open.push_back(i);
+            }
+        };
+        for (NodeIndex i = 0; i < nodes.size(); ++i)
+            if (!nodes[i].cacheable || nodes[i].addressVolatile)
+                for (const NodeIndex user : predicateUsers.Of(i))
+                    mark(user);
+        while (!open.empty()) {
+            const NodeIndex i = open.back();
+            open.pop_back();
+            for (const EdgeLists* users : {&valueUsers, &placeUsers, &predicateUsers})
+                for (const NodeIndex user : users->Of(i))
+                    mark(user);
+        }
+    }
+
+    void SpreadWriteAround(const EdgeLists& valueUsers) {
+        List<NodeDescription>& nodes = m_description.nodes;
+        std::vector<NodeIndex> open;
+        for (NodeIndex i = 0; i < nodes.size(); ++i)
+            if (nodes[i].caching == WriteAround)
+                open.push_back(i);
+        while (!open.empty()) {
+            const NodeIndex i = open.back();
+            open.pop_back();
+            for (const NodeIndex user : valueUsers.Of(i))
+                if (nodes[user].caching == WriteThrough) {
+                    nodes[user].caching = WriteAround;
+                    open.push_back(user);
+                }
+        }
+    }
+
+    Arena& m_arena;
+    Description& m_description;
+    Edges m_dependents;
+    Edges m_reads;
+    Edges m_invalidators;
+    Edges m_valueUsers;
+    Edges m_placeUsers;
+    Edges m_predicateUsers;
+    std::vector<uint32_t> m_seen; ///< the last walk that passed each node
+    uint32_t m_walk = 0;
+    int64_t m_selectorBudget = 20'000'000;
+};
+
+} // namespace
+
+// Sorts by counting: most nodes have few edges, and there are a hundred thousand of them.
+EdgeLists::EdgeLists(size_t nodes, const Edges& edges) : m_offsets(nodes + 2, 0), m_targets(edges.size()) {
+    for (const auto& [from, to] : edges)
+        ++m_offsets[from + 2];
+    for (size_t i = 2; i < m_offsets.size(); ++i)
+        m_offsets[i] += m_offsets[i - 1];
+    for (const auto& [from, to] : edges)
+        m_targets[m_offsets[from + 1]++] = to;
+    m_offsets.pop_back();
+    uint32_t kept = 0;
+    for (size_t i = 0; i < nodes; ++i) {
+        const auto begin = m_targets.begin() + m_offsets[i];
+        const auto end = m_targets.begin() + m_offsets[i + 1];
+        std::sort(begin, end);
+        const auto last = std::unique(begin, end);
+        m_offsets[i] = kept;
+        kept = static_cast<uint32_t>(std::copy(begin, last, m_targets.begin() + kept) - m_targets.begin());
+    }
+    m_offsets[nodes] = kept;
+    m_targets.resize(kept);
+}
+
+void BuildEdges(Arena& arena, Description& description) {
+    EdgeBuilder(arena, description).Build();
+}
+
+} // namespace GENAPI_NAMESPACE::inside

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "genapi/src/image/Flat.h"
+
+#include <Base/GCTypes.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace GENAPI_NAMESPACE::inside {
+
+struct FreeMemory {
+    void operator()(void* memory) const { std::free(memory); }
+};
+using Memory = std::unique_ptr<char, FreeMemory>;
+
+/// What an image grew out of: it needs more memory than it was given.
+struct ArenaFull {};
+
+/// Memory that an image is laid out in, from its beginning on. Stays where it is until it is taken. What is
+/// made in it is never destroyed.
+class Arena {
+public:
+    explicit Arena(size_t capacity)
+        : m_memory(static_cast<char*>(std::malloc(capacity))), m_capacity(capacity) {
+        if (!m_memory)
+            throw std::bad_alloc();
+    }
+
+    /// Zeroed.
+    void* Allocate(size_t size, size_t alignment) {
+        char* const place = Reserve(size, alignment);
+        std::memset(m_memory.get() + m_cleared, 0, m_used - m_cleared);
+        m_cleared = m_used;
+        return place;
+    }
+    template <class T>
+    T* New() {
+        static_assert(std::is_trivially_destructible_v<T>);
+        return new (Allocate(sizeof(T), alignof(T))) T();
+    }
+    template <class T>
+    T* NewArray(size_t count) {
+        static_assert(std::is_trivially_destructible_v<T>);
+        if (count > kMaxImageSize / sizeof(T))
+            throw ArenaFull();
+        T* const first = static_cast<T*>(Allocate(count * sizeof(T), alignof(T)));
+        for (size_t i = 0; i < count; ++i)
+            new (first + i) T();
+        return first;
+    }
+    template <class T>
+    void NewList(List<T>& list, size_t count) {
+        list.Point(NewArray<T>(count), count);
+    }
+    template <class T>
+    void KeepList(List<T>& list, const std::vector<T>& values) {
+        NewList(list, values.size());
+        std::copy(values.begin(), values.end(), list.begin());
+    }
+    /// The text itself where it lies in here already, else a copy.
+    std::string_view Keep(std::string_view text) {
+        if (text.empty() || Contains(text.data()))
+            return text;
+        char* const copy = Reserve(text.size(), 1);
+        std::memcpy(copy, text.data(), text.size());
+        m_cleared = m_used;
+        return {copy, text.size()};
+    }
+    void KeepText(Text& place, std::string_view text) { place.Point(Keep(text)); }
+
+    size_t Used() const { return m_used; }
+    /// The memory, cut to what is used.
+    Memory Take() {
+        void* const shorter = std::realloc(m_memory.get(), m_used);
+        if (shorter) {
+            static_cast<void>(m_memory.release());
+            m_memory.reset(static_cast<char*>(shorter));
+        }
+        return std::move(m_memory);
+    }
+
+private:
+    char* Reserve(size_t size, size_t alignment) {
+        const size_t begin = (m_used + alignment - 1) / alignment * alignment;
+        if (begin > m_capacity || size > m_capacity - begin)
+            throw ArenaFull();
+        // The gap that alignment leaves belongs to the image as well.
+        std::memset(m_memory.get() + m_cleared, 0, begin - m_cleared);
+        m_cleared = begin;
+        m_used = begin + size;
+        return m_memory.get() + begin;
+    }
+    bool Contains(const char* place) const {
+        return std::less_equal<>()(m_memory.get(), place) && std::less<>()(place, m_memory.get() + m_used);
+    }
+
+    Memory m_memory;
+    size_t m_capacity;
+    size_t m_used = 0;
+    size_t m_cleared = 0;
+};
+
+} // namespace GENAPI_NAMESPACE::inside
