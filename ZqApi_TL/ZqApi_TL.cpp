@@ -11,6 +11,7 @@
 #include "ZqApi_TL/ZqPixelFormatInfo.h"
 #include "ZqApi_TL/ZqSystem.h"
 #include "ZqSDKCommon/Error.h"
+#include "ZqSDKCommon/ZqImageBuffer.h"
 
 namespace ZqApi {
 namespace {
@@ -135,9 +136,9 @@ IZqSystemReleasable* CreateIZqSystem(EZqSystemVendor_t eZqSystemVendor, EZqInter
     });
 }
 
-IZqImageBufferReleasable* CreateIZqImageBuffer(IZqAllocator*) {
+IZqImageBufferReleasable* CreateIZqImageBuffer(IZqAllocator* pAllocator) {
     CheckZqApiInitialized();
-    throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "Image buffers are not implemented yet.");
+    return ConvertBadAlloc(UNIT, __LINE__, [&] { return new CZqImageBuffer(pAllocator); });
 }
 
 IZqFeatureBagReleasable* CreateIZqFeatureBag() {

@@ -3,17 +3,10 @@
 #include <map>
 #include <memory>
 
-#include <ZqApi/PixelFormat.h>
-
 #include "ZqApi_TL/PixelFormatTable.h"
+#include "ZqSDKCommon/IZqPixelFormatInfoInside.h"
 
 namespace ZqApi {
-
-/// A record as the library itself uses it.
-class IZqPixelFormatInfoInside : public IZqPixelFormatInfo {
-protected:
-    ~IZqPixelFormatInfoInside() = default;
-};
 
 /// One record of the catalogue: a row of the table and what follows from it. Any thread.
 class CZqSpecificPixelInfo final : public IZqPixelFormatInfoInside {

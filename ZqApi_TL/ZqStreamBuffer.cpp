@@ -160,6 +160,7 @@ void CZqStreamBuffer::RevokeBuffer() {
     if (m_hStreamBuffer == nullptr)
         return;
     m_pErrorEvent.reset();
+    m_Image.ReleaseROIImage();
     const DS_HANDLE hDataStream = m_pIZqDataStreamInside->GetDataStreamHandle();
     const BUFFER_HANDLE hBuffer = m_hStreamBuffer;
     void* pBuffer = nullptr;

@@ -112,9 +112,12 @@ void* CZqStreamBufferImage::GetUserContext() {
     return m_pCZqStreamBuffer->GetUserContext();
 }
 
-IZqImage* CZqStreamBufferImage::GetROIImage(size_t, size_t, size_t, size_t) {
-    throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__,
-                                                 "Regions of interest are not implemented yet.");
+IZqImage* CZqStreamBufferImage::GetROIImage(size_t x, size_t y, size_t width, size_t height) {
+    return RetargetROIImage(UNIT, m_pCZqROIImage, *this, x, y, width, height);
+}
+
+void CZqStreamBufferImage::ReleaseROIImage() {
+    m_pCZqROIImage.reset();
 }
 
 IZqPixelComponentValue* CZqStreamBufferImage::GetIZqPixelComponentValue(size_t, size_t) {

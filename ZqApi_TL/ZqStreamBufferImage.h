@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
+
 #include "ZqApi_TL/InsideInterfaces.h"
-#include "ZqSDKCommon/IZqImageInside.h"
+#include "ZqSDKCommon/ZqROIImage.h"
 
 namespace ZqApi {
 
@@ -23,6 +25,9 @@ public:
     IZqImage* GetROIImage(size_t x, size_t y, size_t width, size_t height) override;
     IZqPixelComponentValue* GetIZqPixelComponentValue(size_t x, size_t y) override;
 
+    /// Destroys the view and every view of it.
+    void ReleaseROIImage();
+
 private:
     /// 0 when there is no such chunk value.
     size_t ChunkValue(const char* node) const;
@@ -30,6 +35,7 @@ private:
     bool IsCoaXPress();
 
     CZqStreamBuffer* const m_pCZqStreamBuffer;
+    std::unique_ptr<CZqROIImage> m_pCZqROIImage;
     // Unknown until first needed: most buffers name their pixel format in a way that needs no interface.
     EZqInterfaceType_t m_InterfaceType = ZqInterfaceType_Unknown;
 };

@@ -25,8 +25,13 @@ public:
     /// What the allocator of the memory stored with it; null without an allocator.
     virtual void* GetUserContext() = 0;
     /// A view of a region, owned by this image; every call re-targets the same view.
+    ///
+    /// Offset and size are multiples of the pixel format's increments and lie inside the image, else
+    /// GenICam::OutOfRangeException is thrown; a refusal of `y` or `height` leaves the view with the new `x`
+    /// and `width`. The view of a buffer ends when the buffer's memory is given back.
     virtual IZqImage* GetROIImage(size_t x, size_t y, size_t width, size_t height) = 0;
-    /// The components of the pixel at (x, y), owned by this image and overwritten by the next call.
+    /// The components of the pixel at (x, y), owned by this image and overwritten by the next call. Throws
+    /// GenICam::OutOfRangeException outside the image; of a region, outside the image that it lies in.
     virtual IZqPixelComponentValue* GetIZqPixelComponentValue(size_t x, size_t y) = 0;
 
 protected:
@@ -34,7 +39,8 @@ protected:
 };
 
 /// Image memory from the application, for data streams and image buffers. Implemented by the application and
-/// never owned by the library; a stream calls it from the thread that starts, stops or releases the stream.
+/// never owned by the library; a stream calls it from the thread that starts, stops or releases the stream,
+/// an image buffer from the thread that uses the buffer. Taking memory back must not throw.
 class IZqAllocator {
 public:
     /// Stores a block of at least `size` bytes in `*ppBuffer` (null: no memory) and, if wanted, a context.
@@ -56,13 +62,24 @@ enum _EZqMemoryInitialization_t : int32_t {
     ZqMemoryInitialization_TestChart = 3
 };
 
-/// An image that the caller owns.
+/// An image that the caller owns. One thread at a time.
+///
+/// Memory is kept while a new size fits into it, and given back to the allocator before a larger block is
+/// asked for: when there is none, GenICam::BadAllocException without a text is thrown and the buffer is
+/// empty. A size below 1 throws GenICam::OutOfRangeException, an unknown format GenICam::RuntimeException,
+/// and both change nothing.
 class IZqImageBuffer {
 public:
+    /// SetSize with the format's own alignment, then a fill of all the memory held, or a test chart: grey
+    /// steps and ramps in Mono8 to Mono16, colour patches in the unpacked BGR and RGB formats, zeros in all
+    /// others.
     virtual void CreateBuffer(size_t width, size_t height, EZqPixelFormatNamingConvention_t format,
                               _EZqMemoryInitialization_t initialization) = 0;
     /// Throws GenICam::RuntimeException "There is no available image." while no memory is held.
     virtual IZqImage* GetIZqImage() = 0;
+    /// Takes over size, format and pixels of another image of the library (an application's own
+    /// implementation of IZqImage stops the process). The lines are aligned as the format asks, not as the
+    /// source's.
     virtual void CopyImage(IZqImage* pSource) = 0;
     /// `linePitchAlignment` in bytes; 0 takes the pixel format's own.
     virtual void SetSize(size_t width, size_t height, EZqPixelFormatNamingConvention_t format,

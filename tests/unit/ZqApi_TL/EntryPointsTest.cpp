@@ -211,6 +211,16 @@ TEST(EntryPoints, SystemAllocationFailureHasTheAllocatorsText) {
               "std::bad_alloc");
 }
 
+TEST(EntryPoints, ImageBufferAllocationFailureHasTheAllocatorsText) {
+    const Library library;
+    // The buffer itself, then its pixel reader.
+    for (uint64_t nth = 1; nth <= 2; ++nth) {
+        const FailingAllocation failing(nth);
+        EXPECT_EQ(Catch<GenICam::BadAllocException>([] { CreateIZqImageBuffer(nullptr); }).text,
+                  "std::bad_alloc");
+    }
+}
+
 TEST(EntryPoints, ConcurrentInitialisationsAllFindTheLibraryReady) {
     std::vector<std::thread> threads;
     for (int i = 0; i < 8; ++i)
@@ -228,12 +238,6 @@ TEST(EntryPoints, ConcurrentInitialisationsAllFindTheLibraryReady) {
 
 TEST(EntryPoints, ModuleHandleIsAlwaysNull) {
     EXPECT_EQ(GetModuleHandleTL(), nullptr);
-}
-
-TEST(EntryPoints, WhatIsMissingSaysSo) {
-    const Library library;
-    EXPECT_EQ(Catch<GenICam::RuntimeException>([] { CreateIZqImageBuffer(nullptr); }).text,
-              "Image buffers are not implemented yet.");
 }
 
 TEST(EntryPoints, ObjectsOutliveTheLastTermination) {

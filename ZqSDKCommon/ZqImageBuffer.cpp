@@ -1,0 +1,197 @@
+#include "ZqSDKCommon/ZqImageBuffer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <new>
+
+#include <ZqApi/Library.h>
+
+#include "ZqSDKCommon/Error.h"
+#include "ZqSDKCommon/IZqPixelFormatInfoInside.h"
+#include "ZqSDKCommon/ImageSize.h"
+
+namespace ZqApi {
+namespace {
+
+constexpr const char* UNIT = "ZqSDKCommon/ZqImageBuffer";
+
+/// Copies what both pitches have of each line. The last line ends with its pixels: behind those, the memory
+/// of a region may end as well.
+void CopyPlane(uint8_t* to, size_t toPitch, const uint8_t* from, size_t fromPitch, size_t height,
+               size_t pixelBytes) {
+    const size_t common = std::min(toPitch, fromPitch);
+    const size_t lastLine = std::min(common, pixelBytes);
+    if (toPitch == fromPitch) {
+        std::memcpy(to, from, (height - 1) * toPitch + lastLine);
+        return;
+    }
+    for (size_t line = 1; line < height; ++line, to += toPitch, from += fromPitch)
+        std::memcpy(to, from, common);
+    std::memcpy(to, from, lastLine);
+}
+
+} // namespace
+
+CZqImageBuffer::CZqImageBuffer(IZqAllocator* pAllocator)
+    : m_pAllocator(pAllocator != nullptr ? pAllocator : this),
+      m_pPixelComponent(ConvertBadAlloc(UNIT, __LINE__, CreatePixelComponentReader)) {}
+
+CZqImageBuffer::~CZqImageBuffer() {
+    ReleaseMemory();
+    if (m_pAllocator != this)
+        m_pAllocator->OnDeregister();
+}
+
+void CZqImageBuffer::Release() {
+    delete this;
+}
+
+void CZqImageBuffer::SetSize(size_t width, size_t height, EZqPixelFormatNamingConvention_t format,
+                             size_t linePitchAlignment) {
+    CheckAbove(UNIT, __LINE__, "size_t nWidth", static_cast<int64_t>(width), 0);
+    CheckAbove(UNIT, __LINE__, "size_t nHeight", static_cast<int64_t>(height), 0);
+    auto* const pIZqPixelFormatInfoDest =
+        dynamic_cast<IZqPixelFormatInfoInside*>(GetIZqPixelFormatInfo(format));
+    ZQ_ASSERT(UNIT, (pIZqPixelFormatInfoDest) != NULL);
+    const ImageSize size = ImageSizeOf(*pIZqPixelFormatInfoDest, width, height, linePitchAlignment);
+    if (size.bytes == 0)
+        throw ReportError<GenICam::BadAllocException>(UNIT, __LINE__, "");
+    if (m_pBuffer == nullptr || size.bytes > m_nCapacity)
+        Reallocate(size.bytes);
+    m_nWidth = width;
+    m_nHeight = height;
+    m_nLinePitch = size.linePitch;
+    m_ePixelFormat = format;
+}
+
+void CZqImageBuffer::Reallocate(size_t size) {
+    ReleaseMemory();
+    ConvertBadAlloc(UNIT, __LINE__, [&] { m_pAllocator->Allocate(&m_pBuffer, size, &m_pUserContext); });
+    if (m_pBuffer == nullptr)
+        throw ReportError<GenICam::BadAllocException>(UNIT, __LINE__, "");
+    m_nCapacity = size;
+}
+
+void CZqImageBuffer::ReleaseMemory() {
+    m_pCZqROIImage.reset();
+    if (m_pBuffer == nullptr)
+        return;
+    // Kept: the context outlives the memory that it came with.
+    m_pAllocator->Deallocate(m_pBuffer, m_nCapacity, m_pUserContext);
+    m_pBuffer = nullptr;
+    m_nCapacity = 0;
+    m_nWidth = 0;
+    m_nHeight = 0;
+    m_nLinePitch = 0;
+    m_ePixelFormat = ZqPixelFormat_Unknown;
+}
+
+void CZqImageBuffer::CreateBuffer(size_t width, size_t height, EZqPixelFormatNamingConvention_t format,
+                                  _EZqMemoryInitialization_t initialization) {
+    SetSize(width, height, format, 0);
+    // The whole capacity, which may be more than this image needs.
+    if (initialization == ZqMemoryInitialization_ZeroFill)
+        std::memset(m_pBuffer, 0x00, m_nCapacity);
+    else if (initialization == ZqMemoryInitialization_FFFill)
+        std::memset(m_pBuffer, 0xFF, m_nCapacity);
+    else if (initialization == ZqMemoryInitialization_TestChart)
+        throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "Test charts are not implemented yet.");
+}
+
+void CZqImageBuffer::CopyImage(IZqImage* pSource) {
+    auto* const pSrcIZqImageInside = dynamic_cast<IZqImageInside*>(pSource);
+    ZQ_ASSERT(UNIT, (pSrcIZqImageInside) != NULL);
+    const EZqPixelFormatNamingConvention_t format = pSrcIZqImageInside->GetImagePixelFormat();
+    const size_t width = pSrcIZqImageInside->GetImageWidth();
+    const size_t height = pSrcIZqImageInside->GetImageHeight();
+    const size_t fromPitch = pSrcIZqImageInside->GetImageLinePitch();
+    const auto* from = static_cast<const uint8_t*>(pSrcIZqImageInside->GetImageBuffer());
+    if (Holds(from)) {
+        // A region of this very image: sizing the copy would pull it from under the source.
+        CZqImageBuffer detached(nullptr);
+        detached.CopyImage(pSource);
+        CopyImage(detached.GetIZqImage());
+        return;
+    }
+    SetSize(width, height, format, 0);
+    const IZqPixelFormatInfo& info = *GetIZqPixelFormatInfo(format);
+    auto* to = static_cast<uint8_t*>(m_pBuffer);
+    const size_t pixelBytes = info.GetRequiredLinePitch(width, 1);
+    CopyPlane(to, m_nLinePitch, from, fromPitch, height, pixelBytes);
+    for (size_t plane = 1; plane < info.GetPlaneCount(); ++plane) {
+        from += pSrcIZqImageInside->GetImagePlanePitch();
+        to += GetImagePlanePitch();
+        CopyPlane(to, m_nLinePitch, from, fromPitch, height, pixelBytes);
+    }
+}
+
+bool CZqImageBuffer::Holds(const void* address) const {
+    // The total order of std::less also holds between addresses of different blocks.
+    const void* const end = static_cast<const uint8_t*>(m_pBuffer) + m_nCapacity;
+    const std::less<const void*> before;
+    return !before(address, m_pBuffer) && before(address, end);
+}
+
+IZqImage* CZqImageBuffer::GetIZqImage() {
+    if (!HasImageBuffer())
+        throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "There is no available image.");
+    return this;
+}
+
+bool CZqImageBuffer::HasImageBuffer() {
+    return m_pBuffer != nullptr;
+}
+
+size_t CZqImageBuffer::GetImageWidth() {
+    return m_nWidth;
+}
+
+size_t CZqImageBuffer::GetImageHeight() {
+    return m_nHeight;
+}
+
+size_t CZqImageBuffer::GetImageLinePitch() {
+    return m_nLinePitch;
+}
+
+size_t CZqImageBuffer::GetImagePlanePitch() {
+    return m_nHeight * m_nLinePitch;
+}
+
+EZqPixelFormatNamingConvention_t CZqImageBuffer::GetImagePixelFormat() {
+    return m_ePixelFormat;
+}
+
+void* CZqImageBuffer::GetImageBuffer() {
+    return m_pBuffer;
+}
+
+void* CZqImageBuffer::GetUserContext() {
+    return m_pUserContext;
+}
+
+IZqImage* CZqImageBuffer::GetROIImage(size_t x, size_t y, size_t width, size_t height) {
+    return RetargetROIImage(UNIT, m_pCZqROIImage, *this, x, y, width, height);
+}
+
+IZqPixelComponentValue* CZqImageBuffer::GetIZqPixelComponentValue(size_t x, size_t y) {
+    m_pPixelComponent->SetPixelComponent(this, x, y);
+    return m_pPixelComponent.get();
+}
+
+void CZqImageBuffer::Allocate(void** ppBuffer, size_t size, void**) {
+    try {
+        *ppBuffer = ::operator new(size);
+    } catch (const std::bad_alloc&) {
+        *ppBuffer = nullptr;
+    }
+}
+
+void CZqImageBuffer::Deallocate(void* pBuffer, size_t, void*) {
+    ::operator delete(pBuffer);
+}
+
+void CZqImageBuffer::OnDeregister() {}
+
+} // namespace ZqApi
