@@ -120,9 +120,9 @@ void CZqStreamBufferImage::ReleaseROIImage() {
     m_pCZqROIImage.reset();
 }
 
-IZqPixelComponentValue* CZqStreamBufferImage::GetIZqPixelComponentValue(size_t, size_t) {
-    throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__,
-                                                 "Reading pixel components is not implemented yet.");
+IZqPixelComponentValue* CZqStreamBufferImage::GetIZqPixelComponentValue(size_t x, size_t y) {
+    m_CZqPixelComponent.SetPixelComponent(this, x, y);
+    return &m_CZqPixelComponent;
 }
 
 } // namespace ZqApi

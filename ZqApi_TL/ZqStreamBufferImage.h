@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "ZqApi_TL/InsideInterfaces.h"
+#include "ZqApi_TL/ZqPixelComponent.h"
 #include "ZqSDKCommon/ZqROIImage.h"
 
 namespace ZqApi {
@@ -36,6 +37,7 @@ private:
 
     CZqStreamBuffer* const m_pCZqStreamBuffer;
     std::unique_ptr<CZqROIImage> m_pCZqROIImage;
+    CZqPixelComponent m_CZqPixelComponent;
     // Unknown until first needed: most buffers name their pixel format in a way that needs no interface.
     EZqInterfaceType_t m_InterfaceType = ZqInterfaceType_Unknown;
 };

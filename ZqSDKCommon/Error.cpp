@@ -97,11 +97,6 @@ void CheckBelow(const char* unit, int line, const char* name, int64_t value, int
         ThrowOutOfRange(unit, line, "%s = %lld must be smaller than Max = %lld", name, value, max);
 }
 
-void CheckIndex(const char* unit, int line, const char* name, int64_t index, int64_t count) {
-    CheckMin(unit, line, name, index, 0);
-    CheckBelow(unit, line, name, index, count);
-}
-
 void CheckIncrement(const char* unit, int line, const char* name, int64_t value, int64_t min,
                     int64_t increment) {
     if (increment == 0)

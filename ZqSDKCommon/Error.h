@@ -87,8 +87,13 @@ void CheckAbove(const char* unit, int line, const char* name, int64_t value, int
 void CheckMin(const char* unit, int line, const char* name, int64_t value, int64_t min);
 void CheckMax(const char* unit, int line, const char* name, int64_t value, int64_t max);
 void CheckBelow(const char* unit, int line, const char* name, int64_t value, int64_t max);
-/// At least 0, then below `count`.
-void CheckIndex(const char* unit, int line, const char* name, int64_t index, int64_t count);
+/// At least 0, then below `count`. Pixels are checked by it, so what holds is seen without a call.
+inline void CheckIndex(const char* unit, int line, const char* name, int64_t index, int64_t count) {
+    if (index >= 0 && index < count)
+        return;
+    CheckMin(unit, line, name, index, 0);
+    CheckBelow(unit, line, name, index, count);
+}
 /// Throws GenICam::LogicalErrorException for an increment of 0.
 void CheckIncrement(const char* unit, int line, const char* name, int64_t value, int64_t min,
                     int64_t increment);

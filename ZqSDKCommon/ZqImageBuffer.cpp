@@ -176,7 +176,10 @@ IZqImage* CZqImageBuffer::GetROIImage(size_t x, size_t y, size_t width, size_t h
 }
 
 IZqPixelComponentValue* CZqImageBuffer::GetIZqPixelComponentValue(size_t x, size_t y) {
-    m_pPixelComponent->SetPixelComponent(this, x, y);
+    const ImageMemory memory{
+        this,         m_ePixelFormat,          m_nWidth, m_nHeight, static_cast<const uint8_t*>(m_pBuffer),
+        m_nLinePitch, m_nHeight * m_nLinePitch};
+    m_pPixelComponent->SetPixelComponent(memory, x, y);
     return m_pPixelComponent.get();
 }
 

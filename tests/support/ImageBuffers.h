@@ -69,8 +69,10 @@ inline uint8_t PatternAt(size_t offset) {
 }
 
 inline void FillWithPattern(ZqApi::IZqImage& image) {
-    for (size_t offset = 0; offset < SizeOf(image); ++offset)
-        BytesOf(image)[offset] = PatternAt(offset);
+    uint8_t* const bytes = BytesOf(image);
+    const size_t size = SizeOf(image);
+    for (size_t offset = 0; offset < size; ++offset)
+        bytes[offset] = PatternAt(offset);
 }
 
 } // namespace ZqTest

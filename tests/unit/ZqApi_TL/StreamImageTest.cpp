@@ -1,4 +1,6 @@
 #include "ZqApi_TL/ZqStreamBufferImage.h"
+#include "tests/support/AllocationFailure.h"
+#include "tests/support/ImageBuffers.h"
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
 
 namespace ZqTest {
@@ -129,6 +131,77 @@ TEST_F(StreamImage, NamespaceBeyondItsRangeStopsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     IZqImage* const image = Image(Format(0x101, uint64_t{1} << 32));
     EXPECT_DEATH(image->GetImagePixelFormat(), "nPixelFormatNamespace <= UINT32_MAX");
+}
+
+TEST_F(StreamImage, RegionIsAViewOfTheFrame) {
+    IZqImage* const image = Image(Frame(std::string(4096, 'a')));
+    IZqImage* const view = image->GetROIImage(8, 2, 16, 4);
+    EXPECT_EQ(view->GetImageWidth(), 16u);
+    EXPECT_EQ(view->GetImageLinePitch(), 64u);
+    EXPECT_EQ(view->GetImageBuffer(), static_cast<char*>(image->GetImageBuffer()) + 2 * 64 + 8);
+    EXPECT_EQ(image->GetROIImage(0, 0, 1, 1), view);
+    EXPECT_EQ(view->GetImageWidth(), 1u);
+    EXPECT_EQ(Catch<GenICam::OutOfRangeException>([&] { image->GetROIImage(1, 0, 64, 1); }).text,
+              "size_t x = 1 must be equal or smaller than Max = 0");
+}
+
+TEST_F(StreamImage, RegionOfAMosaicHasItsPhase) {
+    Frame frame = Format(ZqPixelFormat_BayerRG8, PIXELFORMAT_NAMESPACE_PFNC_32BIT);
+    EXPECT_EQ(Image(frame)->GetROIImage(1, 0, 4, 4)->GetImagePixelFormat(), ZqPixelFormat_BayerGR8);
+}
+
+TEST_F(StreamImage, RegionThatCannotBeAllocatedIsReported) {
+    IZqImage* const image = Image(Frame("pixels"));
+    const FailingAllocation failing(1);
+    const Thrown thrown = Catch<GenICam::BadAllocException>([&] { image->GetROIImage(0, 0, 1, 1); });
+    EXPECT_EQ(thrown.text, "std::bad_alloc");
+    EXPECT_EQ(thrown.source, "ZqApi_TL/ZqStreamBufferImage");
+}
+
+TEST_F(StreamImage, RegionEndsWithItsBuffer) {
+    Image(Frame("pixels"))->GetROIImage(0, 0, 1, 1);
+    buffer.reset();
+    Stop();
+    stream.reset();
+}
+
+TEST_F(StreamImage, PixelsAreReadFromTheFrame) {
+    IZqImage* const image = Image(Frame("pixels"));
+    EXPECT_EQ(image->GetIZqPixelComponentValue(1, 0)->GetValue(0), static_cast<uint64_t>('i'));
+    IZqPixelComponentValue* const value = image->GetROIImage(2, 0, 4, 1)->GetIZqPixelComponentValue(3, 0);
+    EXPECT_EQ(value->GetCount(), 1u);
+    EXPECT_EQ(value->GetPixelComponent(0), ZqPixelComponent_Mono8);
+    EXPECT_EQ(value->GetValue(0), static_cast<uint64_t>('s'));
+    EXPECT_EQ(value, image->GetIZqPixelComponentValue(0, 0));
+    EXPECT_EQ(Catch<GenICam::OutOfRangeException>([&] { image->GetIZqPixelComponentValue(64, 0); }).text,
+              "size_t x = 64 must be smaller than Max = 64");
+}
+
+TEST_F(StreamImage, PackedPixelsAreReadAtTheirPitch) {
+    Frame frame = Format(ZqPixelFormat_Mono12p, PIXELFORMAT_NAMESPACE_PFNC_32BIT);
+    frame.data = std::string("\0\0\0\0\0\x21\x43\x65", 8);
+    Size(Size(frame, BUFFER_INFO_WIDTH, 2), BUFFER_INFO_XPADDING, 2);
+    IZqImage* const image = Image(frame);
+    EXPECT_EQ(image->GetIZqPixelComponentValue(0, 1)->GetValue(0), 0x321u);
+    EXPECT_EQ(image->GetIZqPixelComponentValue(1, 1)->GetValue(0), 0x654u);
+}
+
+TEST_F(StreamImage, UnreadablePixelFormatLeavesTheLastPixel) {
+    IZqPixelComponentValue* const value = Image(Frame("pixels"))->GetIZqPixelComponentValue(0, 0);
+    producer.Answer("DSGetBufferInfo").With(GC_ERR_IO);
+    IZqImage* const image = buffer->GetIZqImage();
+    EXPECT_EQ(Catch<GenICam::OutOfRangeException>([&] { image->GetIZqPixelComponentValue(0, 0); }).text,
+              "size_t x = 0 must be smaller than Max = 0");
+    producer.Answer("DSGetBufferInfo").With(GC_ERR_SUCCESS);
+    EXPECT_EQ(value->GetValue(0), static_cast<uint64_t>('p'));
+}
+
+TEST_F(StreamImage, CopyOutlivesTheFrame) {
+    IZqImage* const image = Image(Frame("pixels"));
+    const ImageBuffer copy = MakeImageBuffer();
+    copy->CopyImage(image);
+    EXPECT_EQ(copy->GetIZqImage()->GetImageLinePitch(), 64u);
+    EXPECT_EQ(copy->GetIZqImage()->GetIZqPixelComponentValue(0, 0)->GetValue(0), static_cast<uint64_t>('p'));
 }
 
 class CoaXPressImage : public StreamImage {

@@ -201,5 +201,42 @@ TEST_F(RandomRegions, AddTheirOffsetsUp) {
     }
 }
 
+using Pixel = std::vector<std::pair<EZqPixelComponent_t, uint64_t>>;
+
+Pixel Values(IZqPixelComponentValue& value) {
+    Pixel pixel;
+    for (size_t i = 0; i < value.GetCount(); ++i)
+        pixel.emplace_back(value.GetPixelComponent(i), value.GetValue(i));
+    return pixel;
+}
+
+/// Whether pixels of the format stand where their place in the line says: not the 4:4:4 formats, whose groups
+/// begin at the first pixel read from, and not the one that reads a byte of its neighbour.
+bool StandsForItself(const std::string& name) {
+    const bool oddities = name == "YCbCr411_8" || name == "YCbCr8" || name == "YUV8_UYV";
+    return !oddities && name.find("_CbYCr") != name.size() - 6;
+}
+
+TEST_F(RandomRegions, ShowThePixelsOfTheirRoot) {
+    for (int round = 0; round < 2000; ++round) {
+        IZqImage& root = RandomRoot();
+        IZqImage* view = &root;
+        for (size_t depth = 1 + Below(4); depth > 0; --depth)
+            view = &RandomRegion(*view);
+        for (int sample = 0; sample < 20; ++sample) {
+            const size_t column = Below(view->GetImageWidth());
+            const size_t line = Below(view->GetImageHeight());
+            const Pixel expected = Values(*root.GetIZqPixelComponentValue(x + column, y + line));
+            IZqPixelComponentValue& value = *view->GetIZqPixelComponentValue(column, line);
+            ASSERT_EQ(Values(value), expected) << info->GetName().c_str();
+            // The same from the view's own address, pitch and format; memory ends with the root's.
+            value.SetPixelComponent(view, column, line);
+            if (StandsForItself(info->GetName().c_str())) {
+                ASSERT_EQ(Values(value), expected) << info->GetName().c_str();
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace ZqTest
