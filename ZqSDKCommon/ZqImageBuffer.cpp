@@ -10,11 +10,45 @@
 #include "ZqSDKCommon/Error.h"
 #include "ZqSDKCommon/IZqPixelFormatInfoInside.h"
 #include "ZqSDKCommon/ImageSize.h"
+#include "ZqSDKCommon/TestChart.h"
 
 namespace ZqApi {
 namespace {
 
 constexpr const char* UNIT = "ZqSDKCommon/ZqImageBuffer";
+
+using MakeChart = bool (CZqImageBuffer::*)(IZqImage*, _EZqMemoryInitialization_t);
+
+// Kept: RGB8 and RGBa8 get samples of 16 bits, so that their charts come out in stripes.
+constexpr struct {
+    EZqPixelFormatNamingConvention_t format;
+    MakeChart make;
+} CHARTS[] = {
+    {ZqPixelFormat_Mono8, &CZqImageBuffer::MakeChartMono8},
+    {ZqPixelFormat_Mono10, &CZqImageBuffer::MakeChartMono16},
+    {ZqPixelFormat_Mono12, &CZqImageBuffer::MakeChartMono16},
+    {ZqPixelFormat_Mono14, &CZqImageBuffer::MakeChartMono16},
+    {ZqPixelFormat_Mono16, &CZqImageBuffer::MakeChartMono16},
+    {ZqPixelFormat_BGR8, &CZqImageBuffer::MakeChartBGR8},
+    {ZqPixelFormat_BGRa8, &CZqImageBuffer::MakeChartBGR8},
+    {ZqPixelFormat_BGR10, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGR12, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGR14, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGR16, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGRa10, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGRa12, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGRa14, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_BGRa16, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_RGB8, &CZqImageBuffer::MakeChartBGR16},
+    {ZqPixelFormat_RGBa8, &CZqImageBuffer::MakeChartBGR16},
+};
+
+/// Null for a format without a chart.
+MakeChart ChartOf(EZqPixelFormatNamingConvention_t format) {
+    const auto* const found = std::find_if(std::begin(CHARTS), std::end(CHARTS),
+                                           [format](const auto& row) { return row.format == format; });
+    return found != std::end(CHARTS) ? found->make : nullptr;
+}
 
 /// Copies what both pitches have of each line. The last line ends with its pixels: behind those, the memory
 /// of a region may end as well.
@@ -90,13 +124,39 @@ void CZqImageBuffer::ReleaseMemory() {
 void CZqImageBuffer::CreateBuffer(size_t width, size_t height, EZqPixelFormatNamingConvention_t format,
                                   _EZqMemoryInitialization_t initialization) {
     SetSize(width, height, format, 0);
+    const bool toBeDrawn = initialization == ZqMemoryInitialization_TestChart;
+    const MakeChart makeChart = toBeDrawn ? ChartOf(format) : nullptr;
+    if (makeChart != nullptr && (this->*makeChart)(this, initialization))
+        return;
     // The whole capacity, which may be more than this image needs.
-    if (initialization == ZqMemoryInitialization_ZeroFill)
+    if (toBeDrawn || initialization == ZqMemoryInitialization_ZeroFill)
         std::memset(m_pBuffer, 0x00, m_nCapacity);
     else if (initialization == ZqMemoryInitialization_FFFill)
         std::memset(m_pBuffer, 0xFF, m_nCapacity);
-    else if (initialization == ZqMemoryInitialization_TestChart)
-        throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "Test charts are not implemented yet.");
+}
+
+bool CZqImageBuffer::MakeChartMono8(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization) {
+    return ConvertBadAlloc(UNIT, __LINE__,
+                           [&] { return MakeChartMono<uint8_t>(*pIZqImage, m_nCapacity, initialization); });
+}
+
+bool CZqImageBuffer::MakeChartMono16(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization) {
+    return ConvertBadAlloc(UNIT, __LINE__,
+                           [&] { return MakeChartMono<uint16_t>(*pIZqImage, m_nCapacity, initialization); });
+}
+
+bool CZqImageBuffer::MakeChartBGR8(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization) {
+    const EZqPixelFormatNamingConvention_t format = pIZqImage->GetImagePixelFormat();
+    const bool rgbOrder = format == ZqPixelFormat_RGB8 || format == ZqPixelFormat_RGBa8;
+    return ConvertBadAlloc(UNIT, __LINE__, [&] {
+        return MakeChartBGR<uint8_t>(*pIZqImage, m_nCapacity, initialization, rgbOrder);
+    });
+}
+
+bool CZqImageBuffer::MakeChartBGR16(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization) {
+    return ConvertBadAlloc(UNIT, __LINE__, [&] {
+        return MakeChartBGR<uint16_t>(*pIZqImage, m_nCapacity, initialization, false);
+    });
 }
 
 void CZqImageBuffer::CopyImage(IZqImage* pSource) {

@@ -49,6 +49,13 @@ public:
     void Deallocate(void* pBuffer, size_t size, void* pContext) override;
     void OnDeregister() override;
 
+    /// Draw a chart into this buffer's own image; false, and nothing drawn, unless the initialisation is
+    /// ZqMemoryInitialization_TestChart. Throw GenICam::BadAllocException.
+    bool MakeChartMono8(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization);
+    bool MakeChartMono16(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization);
+    bool MakeChartBGR8(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization);
+    bool MakeChartBGR16(IZqImage* pIZqImage, _EZqMemoryInitialization_t initialization);
+
     /// Bytes allocated; the current size may need fewer.
     size_t GetCapacity() const { return m_nCapacity; }
 
