@@ -4,15 +4,18 @@ namespace ZqApi {
 namespace {
 
 /// Whether IZqPixelFormatInfo::GetRequiredLinePitch stays within 64 bits. An alignment above the line's bytes
-/// replaces them, a lower one adds less than they are: neither can leave them.
+/// replaces them, a lower one adds less than they are.
 bool HasLinePitch(const IZqPixelFormatInfo& info, size_t width) {
-    const size_t bits =
-        info.GetPlaneCount() < 2 ? info.GetEachPixelTotalBitCount() : info.GetEachComponentTotalBitCount();
     size_t rounded = 0;
-    return !__builtin_mul_overflow(bits, width, &rounded) && !__builtin_add_overflow(rounded, 7, &rounded);
+    return !__builtin_mul_overflow(LineBitsOf(info), width, &rounded) &&
+           !__builtin_add_overflow(rounded, 7, &rounded);
 }
 
 } // namespace
+
+size_t LineBitsOf(const IZqPixelFormatInfo& info) {
+    return info.GetPlaneCount() < 2 ? info.GetEachPixelTotalBitCount() : info.GetEachComponentTotalBitCount();
+}
 
 ImageSize ImageSizeOf(const IZqPixelFormatInfo& info, size_t width, size_t height,
                       size_t linePitchAlignment) {

@@ -6,6 +6,9 @@
 
 namespace ZqApi {
 
+/// What a pixel takes of its line: of formats in planes, one component.
+size_t LineBitsOf(const IZqPixelFormatInfo& info);
+
 /// What an image of some size takes in memory.
 struct ImageSize {
     size_t linePitch;

@@ -5,6 +5,7 @@
 #include <ZqApi/Library.h>
 
 #include "ZqSDKCommon/Error.h"
+#include "ZqSDKCommon/ImageSize.h"
 
 namespace ZqApi {
 namespace {
@@ -55,9 +56,7 @@ EZqPixelFormatNamingConvention_t CZqROIImage::GetImagePixelFormat() {
 }
 
 void* CZqROIImage::GetImageBuffer() {
-    const IZqPixelFormatInfo& info = *GetIZqPixelFormatInfo(GetImagePixelFormat());
-    const size_t bits =
-        info.GetPlaneCount() < 2 ? info.GetEachPixelTotalBitCount() : info.GetEachComponentTotalBitCount();
+    const size_t bits = LineBitsOf(*GetIZqPixelFormatInfo(GetImagePixelFormat()));
     auto* const begin = static_cast<uint8_t*>(m_pParent->GetImageBuffer());
     return begin + m_nY * GetImageLinePitch() + m_nX * bits / 8;
 }

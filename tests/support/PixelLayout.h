@@ -119,7 +119,8 @@ inline LaidOutPixel LumaChroma(const std::string& name, size_t x, size_t line) {
         const size_t group = x / 4 * 6;
         const size_t regular[] = {1, 2, 4, 5};
         const size_t faulty[] = {0, 1, 5, 6};
-        return {{"Y8", byte(group + (chromaFirst ? regular : faulty)[x % 4])},
+        const size_t place = x % 4;
+        return {{"Y8", byte(group + (chromaFirst ? regular[place] : faulty[place]))},
                 {chroma1, byte(group + (chromaFirst ? 0 : 2))},
                 {chroma2, byte(group + (chromaFirst ? 3 : 5))}};
     }

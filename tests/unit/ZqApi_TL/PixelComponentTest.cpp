@@ -17,8 +17,8 @@ constexpr size_t NEGATIVE = size_t{1} << 63;
 std::string Text(IZqPixelComponentValue& value) {
     std::string text;
     for (size_t i = 0; i < value.GetCount(); ++i) {
-        const char* const name = GetIZqPixelComponentInfo(value.GetPixelComponent(i))->GetName().c_str();
-        text += (i == 0 ? "" : " ") + std::string(name) + "=" + std::to_string(value.GetValue(i));
+        const gcstring name = GetIZqPixelComponentInfo(value.GetPixelComponent(i))->GetName();
+        text += std::string(i == 0 ? "" : " ") + name.c_str() + "=" + std::to_string(value.GetValue(i));
     }
     return text;
 }

@@ -186,7 +186,7 @@ TEST_F(StreamImage, PackedPixelsAreReadAtTheirPitch) {
     EXPECT_EQ(image->GetIZqPixelComponentValue(1, 1)->GetValue(0), 0x654u);
 }
 
-TEST_F(StreamImage, UnreadablePixelFormatLeavesTheLastPixel) {
+TEST_F(StreamImage, FrameThatTellsNothingLeavesTheLastPixel) {
     IZqPixelComponentValue* const value = Image(Frame("pixels"))->GetIZqPixelComponentValue(0, 0);
     producer.Answer("DSGetBufferInfo").With(GC_ERR_IO);
     IZqImage* const image = buffer->GetIZqImage();
