@@ -24,8 +24,30 @@ InfoValue OfFrame(const View& view) {
     return InfoValue(view.frame.*Member);
 }
 
-InfoValue NoChunks(const View&) {
-    throw Failure(GenTL::GC_ERR_NO_DATA, "there are no chunks in the buffer");
+/// A value of the image; a frame may have chunks only.
+template <auto Member>
+InfoValue OfImage(const View& view) {
+    const InfoValue value = OfFrame<Member>(view);
+    if (!view.frame.imagePresent)
+        throw Failure(GenTL::GC_ERR_NO_DATA, "there is no image in the buffer");
+    return value;
+}
+
+void RequireChunks(const FrameInfo& frame) {
+    if (!frame.hasChunks)
+        throw Failure(GenTL::GC_ERR_NO_DATA, "there are no chunks in the buffer");
+}
+
+template <auto Member>
+InfoValue OfChunks(const View& view) {
+    RequireChunks(view.frame);
+    return InfoValue(view.frame.*Member);
+}
+
+int32_t PayloadType(const FrameInfo& frame) {
+    if (!frame.present)
+        return GenTL::PAYLOAD_TYPE_UNKNOWN;
+    return frame.imagePresent ? GenTL::PAYLOAD_TYPE_IMAGE : GenTL::PAYLOAD_TYPE_CHUNK_ONLY;
 }
 
 constexpr InfoRow<View> rows[] = {
@@ -44,25 +66,22 @@ constexpr InfoRow<View> rows[] = {
     {GenTL::BUFFER_INFO_TLTYPE, GenTL::INFO_DATATYPE_STRING,
      [](const View& v) { return InfoValue(v.buffer.TlType()); }},
     {GenTL::BUFFER_INFO_SIZE_FILLED, Size, [](const View& v) { return InfoValue(v.frame.sizeFilled); }},
-    {GenTL::BUFFER_INFO_WIDTH, Size, OfFrame<&FrameInfo::width>},
-    {GenTL::BUFFER_INFO_HEIGHT, Size, OfFrame<&FrameInfo::height>},
-    {GenTL::BUFFER_INFO_XOFFSET, Size, OfFrame<&FrameInfo::offsetX>},
-    {GenTL::BUFFER_INFO_YOFFSET, Size, OfFrame<&FrameInfo::offsetY>},
+    {GenTL::BUFFER_INFO_WIDTH, Size, OfImage<&FrameInfo::width>},
+    {GenTL::BUFFER_INFO_HEIGHT, Size, OfImage<&FrameInfo::height>},
+    {GenTL::BUFFER_INFO_XOFFSET, Size, OfImage<&FrameInfo::offsetX>},
+    {GenTL::BUFFER_INFO_YOFFSET, Size, OfImage<&FrameInfo::offsetY>},
     {GenTL::BUFFER_INFO_XPADDING, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
     {GenTL::BUFFER_INFO_YPADDING, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
     {GenTL::BUFFER_INFO_FRAMEID, Uint64, OfFrame<&FrameInfo::frameId>},
-    {GenTL::BUFFER_INFO_IMAGEPRESENT, Flag, [](const View& v) { return InfoValue(v.frame.present); }},
+    {GenTL::BUFFER_INFO_IMAGEPRESENT, Flag, [](const View& v) { return InfoValue(v.frame.imagePresent); }},
     {GenTL::BUFFER_INFO_IMAGEOFFSET, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
-    {GenTL::BUFFER_INFO_PAYLOADTYPE, Size,
-     [](const View& v) {
-         return InfoValue(v.frame.present ? GenTL::PAYLOAD_TYPE_IMAGE : GenTL::PAYLOAD_TYPE_UNKNOWN);
-     }},
-    {GenTL::BUFFER_INFO_PIXELFORMAT, Uint64, OfFrame<&FrameInfo::pixelFormat>},
+    {GenTL::BUFFER_INFO_PAYLOADTYPE, Size, [](const View& v) { return InfoValue(PayloadType(v.frame)); }},
+    {GenTL::BUFFER_INFO_PIXELFORMAT, Uint64, OfImage<&FrameInfo::pixelFormat>},
     {GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE, Uint64,
      [](const View&) { return InfoValue(int32_t{GenTL::PIXELFORMAT_NAMESPACE_PFNC_32BIT}); }},
-    {GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT, Size, OfFrame<&FrameInfo::deliveredHeight>},
-    {GenTL::BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE, Size, NoChunks},
-    {GenTL::BUFFER_INFO_CHUNKLAYOUTID, Uint64, NoChunks},
+    {GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT, Size, OfImage<&FrameInfo::deliveredHeight>},
+    {GenTL::BUFFER_INFO_DELIVERED_CHUNKPAYLOADSIZE, Size, OfChunks<&FrameInfo::sizeFilled>},
+    {GenTL::BUFFER_INFO_CHUNKLAYOUTID, Uint64, OfChunks<&FrameInfo::chunkLayoutId>},
     {GenTL::BUFFER_INFO_FILENAME, GenTL::INFO_DATATYPE_STRING,
      [](const View&) -> InfoValue {
          throw Failure(GenTL::GC_ERR_NO_DATA, "there is no file in the buffer");
@@ -73,7 +92,7 @@ constexpr InfoRow<View> rows[] = {
     {GenTL::BUFFER_INFO_TIMESTAMP_NS, Uint64, OfFrame<&FrameInfo::timestampNs>},
     {GenTL::BUFFER_INFO_DATA_LARGER_THAN_BUFFER, Flag,
      [](const View& v) { return InfoValue(v.frame.largerThanBuffer); }},
-    {GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, Flag, [](const View&) { return InfoValue(false); }},
+    {GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA, Flag, [](const View& v) { return InfoValue(v.frame.hasChunks); }},
 };
 
 constexpr size_t memoryAlignment = 64;
@@ -90,8 +109,8 @@ uint8_t* AllocateMemory(size_t size) {
 
 } // namespace
 
-BufferModule::BufferModule(const char* tlType, void* base, size_t size, void* userPointer)
-    : Module(kind), m_tlType(tlType), m_memory(base == nullptr ? AllocateMemory(size) : nullptr),
+BufferModule::BufferModule(const CameraModel& model, void* base, size_t size, void* userPointer)
+    : Module(kind), m_model(model), m_memory(base == nullptr ? AllocateMemory(size) : nullptr),
       m_base(base == nullptr ? m_memory.get() : static_cast<uint8_t*>(base)), m_size(size),
       m_userPointer(userPointer) {}
 
@@ -107,6 +126,35 @@ void BufferModule::SetFrame(const FrameInfo& frame) {
 
 void BufferModule::AnswerInfo(GenTL::BUFFER_INFO_CMD command, const InfoTarget& target) const {
     zqgentl::AnswerInfo(rows, View{*this, Frame()}, command, target);
+}
+
+std::vector<ChunkPlace> BufferModule::Chunks(const FrameInfo& frame) const {
+    RequireChunks(frame);
+    if (m_model.technology == Technology::CoaXPress) {
+        const ChunkLayout layout(m_model.technology, frame.chunkMask, frame.imageSize);
+        if (layout.PayloadSize() != frame.sizeFilled)
+            throw Failure(GenTL::GC_ERR_PARSING_CHUNK_DATA, "the chunk data is not complete");
+        return layout.Places();
+    }
+    const ByteOrder order = m_model.technology == Technology::GigEVision ? ByteOrder::Big : ByteOrder::Little;
+    std::vector<ChunkPlace> places;
+    if (!WalkChunks(order, m_base, frame.sizeFilled, places))
+        throw Failure(GenTL::GC_ERR_PARSING_CHUNK_DATA, "the tags of the chunks don't lead to the start");
+    return places;
+}
+
+void BufferModule::AnswerChunks(GenTL::SINGLE_CHUNK_DATA* entries, size_t* count) const {
+    size_t& capacity = Required(count, "the count");
+    const std::vector<ChunkPlace> places = Chunks(Frame());
+    if (entries != nullptr) {
+        Required(entries, "the entries");
+        if (capacity < places.size())
+            throw Failure(GenTL::GC_ERR_BUFFER_TOO_SMALL, "room for " + std::to_string(capacity) + " of " +
+                                                              std::to_string(places.size()) + " chunks");
+        for (size_t i = 0; i < places.size(); ++i)
+            entries[i] = {places[i].id, static_cast<ptrdiff_t>(places[i].offset), places[i].length};
+    }
+    capacity = places.size();
 }
 
 } // namespace zqgentl

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "producer/gentl/Module.h"
+#include "producer/sim/Chunks.h"
 
 #include <atomic>
 #include <cstddef>
@@ -9,6 +10,7 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace zqgentl {
 
@@ -30,6 +32,11 @@ struct FrameInfo {
     uint64_t offsetY = 0;
     uint64_t pixelFormat = 0;
     size_t sizeFilled = 0;
+    bool imagePresent = false;
+    bool hasChunks = false;
+    ChunkMask chunkMask = 0;
+    uint32_t chunkLayoutId = 0;
+    size_t imageSize = 0;
 };
 
 /// An announced buffer. Its place belongs to the stream's engine; the frame may be set and asked from any
@@ -39,12 +46,12 @@ public:
     static constexpr Kind kind = Kind::Buffer;
 
     /// A buffer in the consumer's memory, or, without a base address, in memory of its own.
-    BufferModule(const char* tlType, void* base, size_t size, void* userPointer);
+    BufferModule(const CameraModel& model, void* base, size_t size, void* userPointer);
 
     [[nodiscard]] uint8_t* Base() const noexcept { return m_base; }
     [[nodiscard]] size_t Size() const noexcept { return m_size; }
     [[nodiscard]] void* UserPointer() const noexcept { return m_userPointer; }
-    [[nodiscard]] const char* TlType() const noexcept { return m_tlType; }
+    [[nodiscard]] const char* TlType() const noexcept { return m_model.tlType; }
     [[nodiscard]] bool OwnsMemory() const noexcept { return m_memory != nullptr; }
     [[nodiscard]] Place CurrentPlace() const noexcept { return m_place; }
 
@@ -52,6 +59,8 @@ public:
     void SetFrame(const FrameInfo& frame);
 
     void AnswerInfo(GenTL::BUFFER_INFO_CMD command, const InfoTarget& target) const;
+    /// The list of the chunks in the buffer. Counts entries, not bytes; otherwise like every other answer.
+    void AnswerChunks(GenTL::SINGLE_CHUNK_DATA* entries, size_t* count) const;
 
 private:
     friend class BufferPool;
@@ -59,7 +68,9 @@ private:
         void operator()(uint8_t* memory) const noexcept { std::free(memory); }
     };
 
-    const char* m_tlType;
+    [[nodiscard]] std::vector<ChunkPlace> Chunks(const FrameInfo& frame) const;
+
+    const CameraModel& m_model;
     std::unique_ptr<uint8_t, FreeMemory> m_memory;
     uint8_t* m_base;
     size_t m_size;

@@ -132,6 +132,28 @@ void DeviceModule::OnCameraLost() {
                           "the camera " + std::string(ModelOf(*this).serialNumber) + " is lost"));
 }
 
+void DeviceModule::OnCameraEvent(const CameraEvent& event) {
+    const Technology technology = ModelOf(*this).technology;
+    const std::string item = EventItem(technology, event);
+    if (technology == Technology::CoaXPress) {
+        Fire(EventData::Remote(EventIdOf(event.kind), item));
+        return;
+    }
+    // 0 is no request id.
+    uint16_t requestId = ++m_requestId;
+    if (requestId == 0)
+        requestId = ++m_requestId;
+    Fire(GenTL::EVENT_REMOTE_DEVICE, EventPacket(technology, item, EventHasData(event.kind), requestId));
+}
+
+void DeviceModule::OnFeatureInvalidated(const char* feature) {
+    Fire(EventData::FeatureInvalidated(feature));
+}
+
+void DeviceModule::OnFeatureChanged(const char* feature, const std::string& value) {
+    Fire(EventData::FeatureChanged(feature, value));
+}
+
 void DeviceModule::Close() {
     m_device.camera.StopAcquisition();
     m_streams.CloseAll();

@@ -36,6 +36,9 @@ public:
     [[nodiscard]] const Port& ModulePort() const override { return m_port; }
     void OnCameraChanged() override;
     void OnCameraLost() override;
+    void OnCameraEvent(const CameraEvent& event) override;
+    void OnFeatureInvalidated(const char* feature) override;
+    void OnFeatureChanged(const char* feature, const std::string& value) override;
 
     [[nodiscard]] bool NotifyLoss() const noexcept { return m_notifyLoss; }
     void SetNotifyLoss(bool notify) noexcept { m_notifyLoss = notify; }
@@ -50,6 +53,7 @@ private:
     SimulatedDevice& m_device;
     std::shared_ptr<RemotePort> m_remotePort;
     std::atomic<bool> m_notifyLoss{false};
+    std::atomic<uint16_t> m_requestId{0};
     std::atomic<int64_t> m_endianessMechanism{1};
     OpenChildren<StreamModule> m_streams;
     RegisterMap m_registers{ByteOrder::Little};

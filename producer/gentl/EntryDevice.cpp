@@ -141,11 +141,13 @@ GC_API DSGetBufferInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, BUFFER_INFO_CMD c
     });
 }
 
-GC_API DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE buffer, SINGLE_CHUNK_DATA*, size_t*) {
+GC_API DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE buffer, SINGLE_CHUNK_DATA* entries,
+                            size_t* count) {
     return Guard("DSGetBufferChunkData", [&] {
         const auto module = Get<StreamModule>(stream);
-        module->Engine().RequireAnnounced(*Get<BufferModule>(buffer));
-        NotImplemented("chunk data");
+        const auto announced = Get<BufferModule>(buffer);
+        module->Engine().RequireAnnounced(*announced);
+        announced->AnswerChunks(entries, count);
     });
 }
 

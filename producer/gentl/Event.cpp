@@ -22,13 +22,13 @@ void Event::AnswerInfo(GenTL::EVENT_INFO_CMD command, const InfoTarget& target) 
     zqgentl::AnswerInfo(rows, *this, command, target);
 }
 
-void QueuedEvent::Fire(const EventData& data) {
+void QueuedEvent::Fire(std::string bytes) {
     std::lock_guard<std::mutex> guard(m_lock);
     if (m_gate.Closed())
         return;
     if (m_queue.size() == queueMax)
         m_queue.pop_front();
-    m_queue.push_back(data.ToBytes());
+    m_queue.push_back(std::move(bytes));
     ++m_fired;
     m_gate.NotifyData();
 }

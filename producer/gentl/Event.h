@@ -43,7 +43,8 @@ class QueuedEvent final : public Event {
 public:
     using Event::Event;
 
-    void Fire(const EventData& data);
+    /// The bytes as GetData hands them out: those of an EventData, or a packet that one can be made from.
+    void Fire(std::string bytes);
 
     void GetData(void* buffer, size_t* size, uint64_t timeoutMs) override;
     void AnswerDataInfo(const void* bytes, size_t size, GenTL::EVENT_DATA_INFO_CMD command,

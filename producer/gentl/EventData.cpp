@@ -1,5 +1,7 @@
 #include "producer/gentl/EventData.h"
 
+#include "producer/sim/CameraEvents.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -16,6 +18,12 @@ struct Header {
 };
 
 using Row = InfoRow<EventData>;
+
+std::string HexId(uint16_t eventId) {
+    char id[8];
+    std::snprintf(id, sizeof id, "%04X", static_cast<unsigned>(eventId));
+    return id;
+}
 
 [[noreturn]] void NotAvailable(const char* what) {
     throw Failure(GenTL::GC_ERR_NOT_AVAILABLE, what);
@@ -54,9 +62,19 @@ EventData EventData::Error(GenTL::GC_ERROR code, const std::string& text) {
 }
 
 EventData EventData::Module(uint16_t eventId, const std::string& data) {
-    char id[8];
-    std::snprintf(id, sizeof id, "%04X", static_cast<unsigned>(eventId));
-    return {GenTL::EVENT_MODULE, eventId, id, data};
+    return {GenTL::EVENT_MODULE, eventId, HexId(eventId), data};
+}
+
+EventData EventData::Remote(uint16_t eventId, const std::string& data) {
+    return {GenTL::EVENT_REMOTE_DEVICE, eventId, HexId(eventId), data};
+}
+
+EventData EventData::FeatureInvalidated(const char* feature) {
+    return {GenTL::EVENT_FEATURE_INVALIDATE, 0, feature, ""};
+}
+
+EventData EventData::FeatureChanged(const char* feature, const std::string& value) {
+    return {GenTL::EVENT_FEATURE_CHANGE, 0, feature, value};
 }
 
 std::string EventData::ToBytes() const {
@@ -67,6 +85,10 @@ std::string EventData::ToBytes() const {
 
 EventData EventData::FromBytes(GenTL::EVENT_TYPE type, const void* bytes, size_t size) {
     const auto* text = &Required(static_cast<const char*>(bytes), "the event data");
+    uint16_t eventId = 0;
+    std::string item;
+    if (type == GenTL::EVENT_REMOTE_DEVICE && ParseEventPacket(bytes, size, eventId, item))
+        return Remote(eventId, item);
     Header header{};
     if (size >= sizeof header)
         std::memcpy(&header, text, sizeof header);

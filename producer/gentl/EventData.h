@@ -20,9 +20,14 @@ struct EventData {
     /// An event of a module's own node map; the data is what the node map's event port shows from address 0
     /// on.
     static EventData Module(uint16_t eventId, const std::string& data);
+    /// An event of the camera; the data is that of its event port, too.
+    static EventData Remote(uint16_t eventId, const std::string& data);
+    static EventData FeatureInvalidated(const char* feature);
+    static EventData FeatureChanged(const char* feature, const std::string& value);
 
     [[nodiscard]] std::string ToBytes() const;
-    /// Throws GC_ERR_INVALID_PARAMETER unless the bytes are those of an event of this type.
+    /// Events of a camera are also taken in the form of their transport's packet. Throws
+    /// GC_ERR_INVALID_PARAMETER unless the bytes are those of an event of this type.
     static EventData FromBytes(GenTL::EVENT_TYPE type, const void* bytes, size_t size);
 
     void Answer(GenTL::EVENT_DATA_INFO_CMD command, const InfoTarget& target) const;

@@ -56,12 +56,12 @@ void Module::UnregisterEvents() {
     m_events.clear();
 }
 
-void Module::Fire(const EventData& data) {
+void Module::Fire(GenTL::EVENT_TYPE type, std::string bytes) {
     std::lock_guard<std::mutex> guard(m_eventLock);
-    const auto found = m_events.find(data.type);
+    const auto found = m_events.find(type);
     // Only queued events are fired by their module; new buffers come from the stream's own queue.
     if (found != m_events.end())
-        static_cast<QueuedEvent&>(*found->second.event).Fire(data);
+        static_cast<QueuedEvent&>(*found->second.event).Fire(std::move(bytes));
 }
 
 } // namespace zqgentl

@@ -29,7 +29,8 @@ public:
     void UnregisterEvent(GenTL::EVENT_TYPE type);
     void UnregisterEvents();
     /// Queues the event if anybody registered for it; else it is lost.
-    void Fire(const EventData& data);
+    void Fire(const EventData& data) { Fire(data.type, data.ToBytes()); }
+    void Fire(GenTL::EVENT_TYPE type, std::string bytes);
 
 protected:
     /// The event object for a new registration; GC_ERR_NOT_IMPLEMENTED when the module has no such event.

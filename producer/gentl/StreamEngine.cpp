@@ -293,8 +293,13 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
     m_writing = true;
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
-    if (begun)
-        WriteFrame(buffer, ticket, static_cast<uint64_t>(SteadyNow()));
+    if (begun) {
+        const auto timestampNs = static_cast<uint64_t>(SteadyNow());
+        Send(EventKind::FrameStart, ticket, timestampNs);
+        Send(EventKind::ExposureEnd, ticket, timestampNs);
+        WriteFrame(buffer, ticket, timestampNs);
+        Send(EventKind::FrameEnd, ticket, timestampNs);
+    }
     lock.lock();
     m_writing = false;
     if (begun) {
@@ -326,17 +331,22 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
     if (!AwaitDue(lock, ticket))
         return;
     lock.unlock();
+    const Clock::time_point exposed = m_due;
     const bool begun = m_camera.BeginFrame(ticket);
+    if (begun)
+        Send(EventKind::FrameStart, ticket, Nanoseconds(exposed));
     lock.lock();
     if (!begun)
         return;
-    const Clock::time_point exposed = m_due;
     m_due += ticket.plan.period;
     m_wake.wait(lock, [this] { return m_quit || m_pauses == 0; });
     if (m_quit || !m_running)
         return;
     if (!MayTake()) {
         ++m_counters.underrun;
+        lock.unlock();
+        Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
+        lock.lock();
         return;
     }
     BufferModule& buffer = *m_pool.First(Place::Input);
@@ -350,10 +360,17 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
         return;
     m_writing = true;
     lock.unlock();
+    Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
     WriteFrame(buffer, ticket, Nanoseconds(exposed));
+    Send(EventKind::FrameEnd, ticket, Nanoseconds(exposed));
     lock.lock();
     m_writing = false;
     Deliver(buffer);
+}
+
+void StreamEngine::Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs) {
+    if ((ticket.plan.events & MaskOf(kind)) != 0)
+        m_camera.Send({kind, ticket.frameId, timestampNs, 0});
 }
 
 void StreamEngine::Take(BufferModule& buffer) {

@@ -76,6 +76,8 @@ private:
     void PacedFrame(Lock& lock, FrameTicket& ticket);
     [[nodiscard]] bool AwaitDue(Lock& lock, const FrameTicket& ticket);
     void Schedule(const FrameTicket& ticket);
+    /// Called without the lock. Costs nothing while the event is off.
+    void Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs);
     void Take(BufferModule& buffer);
     void Deliver(BufferModule& buffer);
     void DeliverUnfinished();

@@ -38,7 +38,7 @@ constexpr InfoRow<View> infoRows[] = {
     {GenTL::STREAM_INFO_DEFINES_PAYLOADSIZE, Flag, [](const View&) { return InfoValue(true); }},
     {GenTL::STREAM_INFO_TLTYPE, String,
      [](const View& v) { return InfoValue(v.stream.Source().Model().tlType); }},
-    {GenTL::STREAM_INFO_NUM_CHUNKS_MAX, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
+    {GenTL::STREAM_INFO_NUM_CHUNKS_MAX, Size, [](const View&) { return InfoValue(uint64_t{chunkCount}); }},
     {GenTL::STREAM_INFO_BUF_ANNOUNCE_MIN, Size, [](const View&) { return InfoValue(uint64_t{buffersMin}); }},
     {GenTL::STREAM_INFO_BUF_ALIGNMENT, Size, [](const View&) { return InfoValue(uint64_t{1}); }},
 };
@@ -74,7 +74,7 @@ constexpr RegisterRow<StreamModule> registerRows[] = {
      nullptr},
     {0x0340, 8, Integer, [](const StreamModule& s) { return Value(s.Source().PayloadSize()); }, nullptr},
     {0x0348, 4, Integer, [](const StreamModule& s) { return Value(int64_t{CountsOf(s).grabbing}); }, nullptr},
-    {0x0350, 8, Integer, [](const StreamModule&) { return OfCount(0); }, nullptr},
+    {0x0350, 8, Integer, [](const StreamModule&) { return OfCount(chunkCount); }, nullptr},
     {0x0358, 8, Integer, [](const StreamModule&) { return OfCount(1); }, nullptr},
 };
 
@@ -100,7 +100,7 @@ void* StreamModule::Announce(void* base, size_t size, void* userPointer) {
     StreamEngine& engine = LiveEngine();
     if (size == 0)
         throw Failure(GenTL::GC_ERR_INVALID_PARAMETER, "a buffer of 0 bytes");
-    auto buffer = Publish(std::make_shared<BufferModule>(m_camera.Model().tlType, base, size, userPointer));
+    auto buffer = Publish(std::make_shared<BufferModule>(m_camera.Model(), base, size, userPointer));
     try {
         engine.Announce(buffer);
     } catch (...) {

@@ -3,8 +3,26 @@
 #include "producer/sim/Failure.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 
 namespace zqgentl {
+
+namespace {
+
+constexpr double idleTemperature = 36.0;
+constexpr double busyTemperature = 42.5;
+constexpr std::chrono::seconds temperatureTimeConstant(10);
+constexpr std::chrono::milliseconds temperaturePeriod(250);
+constexpr int64_t exposureStepNs = 50'000'000;
+
+std::string FloatText(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3f", value);
+    return text;
+}
+
+} // namespace
 
 double MaxFrameRate(const CameraSettings& settings) {
     return 1e6 / settings.exposureTimeUs;
@@ -30,12 +48,15 @@ void Camera::PowerOn(CameraListener& listener) {
         ++m_revision;
         m_acquiring = false;
         m_lost = false;
+        m_temperature = Drift(idleTemperature, temperatureTimeConstant);
+        m_temperatureTold = idleTemperature;
     }
     std::lock_guard<std::mutex> guard(m_listenerLock);
     m_listener = &listener;
 }
 
 void Camera::PowerOff() {
+    m_agenda.Stop();
     {
         std::lock_guard<std::mutex> guard(m_listenerLock);
         m_listener = nullptr;
@@ -45,14 +66,22 @@ void Camera::PowerOff() {
     m_lost = false;
 }
 
+template <class Call>
+void Camera::Tell(Call call) {
+    std::lock_guard<std::mutex> guard(m_listenerLock);
+    if (m_listener != nullptr)
+        call(*m_listener);
+}
+
 CameraSettings Camera::Settings() const {
     std::lock_guard<std::mutex> guard(m_lock);
     return m_settings;
 }
 
 int64_t Camera::PayloadSize() const {
-    const CameraSettings settings = Settings();
-    return settings.width * settings.height;
+    FrameTicket ticket;
+    Refresh(ticket);
+    return static_cast<int64_t>(ticket.plan.payloadSize);
 }
 
 std::string Camera::UserId() const {
@@ -72,13 +101,45 @@ bool Camera::Refresh(FrameTicket& ticket) const {
 }
 
 bool Camera::BeginFrame(FrameTicket& ticket) {
-    std::lock_guard<std::mutex> guard(m_lock);
+    std::unique_lock<std::mutex> lock(m_lock);
     if (!m_acquiring)
         return false;
+    const bool adjusted = m_settings.exposureAuto != static_cast<int64_t>(AutoMode::Off) && AdjustExposure();
     TakePlan(ticket);
     ticket.frameId = m_nextFrameId++;
     if (m_framesLeft != 0 && --m_framesLeft == 0)
         m_acquiring = false;
+    if (adjusted) {
+        const std::string value = FloatText(m_settings.exposureTimeUs);
+        const bool once = m_settings.exposureAuto == static_cast<int64_t>(AutoMode::Off);
+        lock.unlock();
+        Tell([&](CameraListener& listener) {
+            listener.OnFeatureInvalidated("ExposureTime");
+            listener.OnFeatureChanged("ExposureTime", value);
+            if (once)
+                listener.OnFeatureInvalidated("ExposureAuto");
+        });
+    }
+    return true;
+}
+
+bool Camera::AdjustExposure() {
+    const int64_t now = SteadyNow();
+    if (now - m_adjusted < exposureStepNs)
+        return false;
+    m_adjusted = now;
+    // The scene grows brighter and darker again, over and over; half the way is made at each step.
+    constexpr double brightestUs = 2000.0;
+    constexpr double spanUs = 8000.0;
+    constexpr int64_t cycleNs = 4'000'000'000;
+    const double phase = static_cast<double>(now % cycleNs) / cycleNs;
+    double target = brightestUs + spanUs * std::abs(2 * phase - 1);
+    if (m_settings.frameRateEnable != 0)
+        target = std::min(target, 1e6 / m_settings.frameRate);
+    m_settings.exposureTimeUs = std::max(exposureTimeMinUs, (m_settings.exposureTimeUs + target) / 2);
+    if (m_settings.exposureAuto == static_cast<int64_t>(AutoMode::Once))
+        m_settings.exposureAuto = static_cast<int64_t>(AutoMode::Off);
+    ++m_revision;
     return true;
 }
 
@@ -92,6 +153,16 @@ void Camera::TakePlan(FrameTicket& ticket) const {
                           static_cast<uint32_t>(m_settings.height)};
     ticket.plan.pixelFormat = static_cast<uint64_t>(m_settings.pixelFormat);
     ticket.plan.pattern = static_cast<TestPattern>(m_settings.testPattern);
+    ticket.plan.imageSize = static_cast<size_t>(m_settings.width * m_settings.height);
+    ticket.plan.chunks = ChunkLayout();
+    if (m_settings.chunkModeActive != 0)
+        ticket.plan.chunks = ChunkLayout(m_model.technology, m_settings.chunkMask, ticket.plan.imageSize);
+    ticket.plan.chunkLayoutId = ticket.plan.chunks.Id();
+    ticket.plan.payloadSize =
+        ticket.plan.chunks.Empty() ? ticket.plan.imageSize : ticket.plan.chunks.PayloadSize();
+    ticket.plan.events = m_settings.eventMask;
+    ticket.plan.exposureTimeUs = m_settings.exposureTimeUs;
+    ticket.plan.gainDb = m_settings.gainDb;
     ticket.plan.paced = m_settings.frameRateEnable != 0;
     ticket.plan.exposure = std::chrono::nanoseconds(static_cast<int64_t>(m_settings.exposureTimeUs * 1e3));
     ticket.plan.period = std::chrono::nanoseconds(0);
@@ -115,15 +186,59 @@ void Camera::StartAcquisition() {
             m_framesLeft = static_cast<uint64_t>(m_settings.acquisitionFrameCount);
         m_acquiring = true;
     }
+    FollowTemperature();
     NotifyChanged();
 }
 
 void Camera::StopAcquisition() {
+    bool stopped = false;
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        m_acquiring = false;
+        stopped = m_acquiring.exchange(false);
     }
+    if (stopped)
+        FollowTemperature();
     NotifyChanged();
+}
+
+void Camera::Send(const CameraEvent& event) {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        if ((m_settings.eventMask & MaskOf(event.kind)) == 0)
+            return;
+    }
+    Tell([&](CameraListener& listener) { listener.OnCameraEvent(event); });
+}
+
+double Camera::Temperature() const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    return m_temperature.Value();
+}
+
+void Camera::FollowTemperature() {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        m_temperature.SetTarget(m_acquiring ? busyTemperature : idleTemperature);
+    }
+    m_agenda.After(temperaturePeriod, Agenda::Job::Temperature, [this] { CheckTemperature(); });
+}
+
+void Camera::CheckTemperature() {
+    bool moved = false;
+    bool settled = false;
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        // An acquisition of some frames ends without a command.
+        m_temperature.SetTarget(m_acquiring ? busyTemperature : idleTemperature);
+        const double temperature = m_temperature.Value();
+        moved = temperature != m_temperatureTold;
+        m_temperatureTold = temperature;
+        settled = m_temperature.Settled() && !m_acquiring;
+    }
+    if (moved)
+        Tell([](CameraListener& listener) { listener.OnFeatureInvalidated("DeviceTemperature"); });
+    if (!settled)
+        m_agenda.After(temperaturePeriod, Agenda::Job::Temperature, [this] { CheckTemperature(); });
 }
 
 void Camera::Lose() {
@@ -132,9 +247,7 @@ void Camera::Lose() {
         m_acquiring = false;
         m_lost = true;
     }
-    std::lock_guard<std::mutex> guard(m_listenerLock);
-    if (m_listener != nullptr)
-        m_listener->OnCameraLost();
+    Tell([](CameraListener& listener) { listener.OnCameraLost(); });
 }
 
 void Camera::RequireUnlocked() const {
@@ -143,9 +256,7 @@ void Camera::RequireUnlocked() const {
 }
 
 void Camera::NotifyChanged() {
-    std::lock_guard<std::mutex> guard(m_listenerLock);
-    if (m_listener != nullptr)
-        m_listener->OnCameraChanged();
+    Tell([](CameraListener& listener) { listener.OnCameraChanged(); });
 }
 
 } // namespace zqgentl

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "producer/sim/Agenda.h"
 #include "producer/sim/CameraModel.h"
+#include "producer/sim/CameraSettings.h"
+#include "producer/sim/Drift.h"
 #include "producer/sim/Pattern.h"
 #include "producer/sim/RegisterMap.h"
 
@@ -12,33 +15,19 @@
 
 namespace zqgentl {
 
-constexpr int64_t pixelFormatMono8 = 0x01080001;
-
-/// Numbered as the enumeration AcquisitionMode numbers them.
-enum class AcquisitionMode : int64_t { SingleFrame = 1, MultiFrame = 2, Continuous = 3 };
-
-/// What the registers of a camera set, with the values after power-up.
-struct CameraSettings {
-    int64_t width = 640;
-    int64_t height = 480;
-    int64_t offsetX = 0;
-    int64_t offsetY = 0;
-    int64_t pixelFormat = pixelFormatMono8;
-    int64_t testPattern = 0;
-    int64_t acquisitionMode = static_cast<int64_t>(AcquisitionMode::Continuous);
-    int64_t acquisitionFrameCount = 1;
-    int64_t frameRateEnable = 1;
-    double frameRate = 30.0;
-    double exposureTimeUs = 1000.0;
-    int64_t tlParamsLocked = 0;
-    int64_t timestampLatch = 0;
-};
-
 /// How the next frames are to be made. Without pace the camera is as fast as its host takes frames.
 struct FramePlan {
     Region region;
     uint64_t pixelFormat = 0;
     TestPattern pattern = TestPattern::DiagonalRampMoving;
+    size_t imageSize = 0;
+    size_t payloadSize = 0;
+    ChunkLayout chunks;
+    uint32_t chunkLayoutId = 0;
+    EventMask events = 0;
+    double exposureTimeUs = 0;
+    double gainDb = 0;
+    uint32_t lineStatus = 0;
     bool paced = true;
     std::chrono::nanoseconds period{0};
     std::chrono::nanoseconds exposure{0};
@@ -59,6 +48,11 @@ class CameraListener {
 public:
     virtual void OnCameraChanged() = 0;
     virtual void OnCameraLost() = 0;
+    /// The camera sends an event that is switched on.
+    virtual void OnCameraEvent(const CameraEvent& event) = 0;
+    /// A feature changed by itself: its value, where it is told along, is the text a host may write.
+    virtual void OnFeatureInvalidated(const char* feature) = 0;
+    virtual void OnFeatureChanged(const char* feature, const std::string& value) = 0;
 
 protected:
     ~CameraListener() = default;
@@ -98,6 +92,11 @@ public:
     enum class Lockable { No, Yes };
     template <class Change>
     void Apply(Lockable lockable, Change change);
+    /// Sends an event if it is switched on.
+    void Send(const CameraEvent& event);
+    /// In degrees Celsius, in steps of a tenth. It drifts: up while the camera acquires, down otherwise.
+    [[nodiscard]] double Temperature() const;
+
     /// Changes nothing while an acquisition is under way.
     void StartAcquisition();
     void StopAcquisition();
@@ -107,6 +106,11 @@ private:
     void RequireUnlocked() const;
     void TakePlan(FrameTicket& ticket) const;
     void NotifyChanged();
+    template <class Call>
+    void Tell(Call call);
+    bool AdjustExposure();
+    void FollowTemperature();
+    void CheckTemperature();
 
     const CameraModel& m_model;
     RegisterMap m_registers;
@@ -123,6 +127,10 @@ private:
     std::atomic<uint64_t> m_revision{1};
     std::atomic<bool> m_acquiring{false};
     std::atomic<bool> m_lost{false};
+    int64_t m_adjusted = 0; // when the automatic exposure last took a step
+    double m_temperatureTold = 0;
+    Drift m_temperature;
+    Agenda m_agenda; // last: its thread uses the rest
 };
 
 template <class Change>
@@ -136,19 +144,6 @@ void Camera::Apply(Lockable lockable, Change change) {
     }
     NotifyChanged();
 }
-
-/// The ranges that the registers keep and the descriptions state.
-constexpr int64_t widthMin = 8;
-constexpr int64_t widthIncrement = 8;
-constexpr int64_t heightMin = 1;
-constexpr double exposureTimeMinUs = 10.0;
-constexpr double exposureTimeMaxUs = 1e6;
-constexpr double frameRateMin = 0.1;
-
-/// The rate that the exposure time leaves room for, in frames per second.
-double MaxFrameRate(const CameraSettings& settings);
-/// The rate that results from the settings; 0 when the camera runs as fast as its host takes frames.
-double ResultingFrameRate(const CameraSettings& settings);
 
 /// The steady clock in nanoseconds: the time base of every timestamp.
 int64_t SteadyNow();

@@ -18,22 +18,6 @@ std::string AddressText(uint64_t address) {
     return text;
 }
 
-void StoreInteger(uint64_t bits, ByteOrder order, Bytes& bytes) {
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        const size_t place = order == ByteOrder::Little ? i : bytes.size() - 1 - i;
-        bytes[place] = static_cast<uint8_t>(bits >> (8 * i));
-    }
-}
-
-uint64_t LoadInteger(const Bytes& bytes, ByteOrder order) {
-    uint64_t bits = 0;
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        const size_t place = order == ByteOrder::Little ? i : bytes.size() - 1 - i;
-        bits |= static_cast<uint64_t>(bytes[place]) << (8 * i);
-    }
-    return bits;
-}
-
 Bytes Encode(const RegisterValue& value, RegisterKind kind, size_t length, ByteOrder order) {
     Bytes bytes(length, 0);
     if (kind == RegisterKind::Text) {
@@ -42,9 +26,9 @@ Bytes Encode(const RegisterValue& value, RegisterKind kind, size_t length, ByteO
     } else if (kind == RegisterKind::Float) {
         uint64_t bits = 0;
         std::memcpy(&bits, &std::get<double>(value), sizeof bits);
-        StoreInteger(bits, order, bytes);
+        StoreBytes(bytes.data(), bits, bytes.size(), order);
     } else {
-        StoreInteger(static_cast<uint64_t>(std::get<int64_t>(value)), order, bytes);
+        StoreBytes(bytes.data(), static_cast<uint64_t>(std::get<int64_t>(value)), bytes.size(), order);
     }
     return bytes;
 }
@@ -52,7 +36,7 @@ Bytes Encode(const RegisterValue& value, RegisterKind kind, size_t length, ByteO
 RegisterValue Decode(const Bytes& bytes, RegisterKind kind, ByteOrder order) {
     if (kind == RegisterKind::Text)
         return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), uint8_t{0}));
-    const uint64_t bits = LoadInteger(bytes, order);
+    const uint64_t bits = LoadBytes(bytes.data(), bytes.size(), order);
     if (kind == RegisterKind::Float) {
         double number = 0;
         std::memcpy(&number, &bits, sizeof number);

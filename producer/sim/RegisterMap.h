@@ -1,5 +1,7 @@
 #pragma once
 
+#include "producer/sim/Bytes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -9,8 +11,6 @@
 #include <vector>
 
 namespace zqgentl {
-
-enum class ByteOrder { Little, Big };
 
 /// How the bytes of a register are to be read: a two's complement integer of 1 to 8 bytes, an IEEE 754 number
 /// of 8 bytes, or text padded with zeros.

@@ -180,7 +180,18 @@ const std::vector<const char*> cameraFeatures = {"DeviceVendorName",
                                                  "AcquisitionFrameRateEnable",
                                                  "ExposureTime",
                                                  "TLParamsLocked",
-                                                 "SimulationDeviceLost"};
+                                                 "SimulationDeviceLost",
+                                                 "ChunkModeActive",
+                                                 "ChunkSelector",
+                                                 "ChunkEnable",
+                                                 "ChunkFrameID",
+                                                 "ChunkTimestamp",
+                                                 "EventSelector",
+                                                 "EventNotification",
+                                                 "TestEventGenerate",
+                                                 "EventExposureEnd",
+                                                 "EventExposureEndTimestamp",
+                                                 "EventExposureEndFrameID"};
 
 } // namespace
 

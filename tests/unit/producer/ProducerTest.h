@@ -32,6 +32,14 @@ constexpr uint64_t AcquisitionFrameRateEnable = 0x520;
 constexpr uint64_t ExposureTime = 0x528;
 constexpr uint64_t TLParamsLocked = 0x600;
 constexpr uint64_t SimulationDeviceLost = 0x700;
+constexpr uint64_t ChunkModeActive = 0x800;
+constexpr uint64_t ChunkSelector = 0x804;
+constexpr uint64_t ChunkEnable = 0x808;
+constexpr uint64_t EventSelector = 0x840;
+constexpr uint64_t EventNotification = 0x844;
+constexpr uint64_t TestEventGenerate = 0x848;
+constexpr uint64_t ExposureAuto = 0x540;
+constexpr uint64_t Gain = 0x900;
 } // namespace camera
 
 /// Waits, without sleeping, until the condition holds; false after ten seconds.

@@ -1,0 +1,18 @@
+zq_category(AcquisitionControl "When images are taken.")
+zq_enumeration(AcquisitionMode 0x0500 RW "How many frames an acquisition has." LOCKED STREAMABLE
+    ENTRIES SingleFrame=1 MultiFrame=2 Continuous=3)
+zq_integer(AcquisitionFrameCount 0x0504 4 RW "Number of frames in mode MultiFrame." LOCKED STREAMABLE
+    MIN 1 MAX 2147483647 INC 1)
+zq_command(AcquisitionStart 0x0508 "Starts the acquisition.")
+zq_command(AcquisitionStop 0x050C "Stops the acquisition after the frame at hand.")
+zq_boolean(AcquisitionFrameRateEnable 0x0520 RW "On: frames come by the clock, and one that finds no queued buffer \
+is lost. Off: as fast as it goes, each frame waiting for a queued buffer." STREAMABLE)
+zq_float(AcquisitionFrameRate 0x0510 8 RW "Frames per second while AcquisitionFrameRateEnable is on." STREAMABLE
+    MIN 0.1 PMAX AcquisitionFrameRateMaxReg UNIT Hz)
+zq_register(AcquisitionFrameRateMaxReg Float 0x0518 8 RO NOCACHE)
+zq_float(AcquisitionResultingFrameRate 0x0538 8 RO "The frame rate that results, not above the inverse of the \
+exposure time, 0 when it goes as fast as it can." VISIBILITY Expert NOCACHE UNIT Hz)
+zq_boolean(AcquisitionActive 0x0530 RO "Whether the camera acquires." VISIBILITY Expert NOCACHE)
+zq_float(ExposureTime 0x0528 8 RW "How long a frame is exposed." STREAMABLE MIN 10 MAX 1000000 UNIT us)
+zq_enumeration(ExposureAuto 0x0540 RW "Off: ExposureTime stays as it is written. Once: it is adjusted one time. \
+Continuous: it follows the brightness of the scene." STREAMABLE ENTRIES Off=0 Once=1 Continuous=2)

@@ -1,0 +1,59 @@
+#include "producer/sim/CameraRegisters.h"
+
+namespace zqgentl {
+
+namespace {
+
+constexpr RegisterKind Integer = RegisterKind::Integer;
+constexpr RegisterKind Float = RegisterKind::Float;
+
+void SetFrameRate(Camera& camera, const RegisterValue& value) {
+    camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) {
+        CheckRange("AcquisitionFrameRate", std::get<double>(value), frameRateMin, MaxFrameRate(settings));
+        settings.frameRate = std::get<double>(value);
+    });
+}
+
+void SetExposureTime(Camera& camera, const RegisterValue& value) {
+    CheckRange("ExposureTime", std::get<double>(value), exposureTimeMinUs, exposureTimeMaxUs);
+    camera.Apply(Camera::Lockable::No,
+                 [&](CameraSettings& settings) { settings.exposureTimeUs = std::get<double>(value); });
+}
+
+void SetGain(Camera& camera, const RegisterValue& value) {
+    CheckRange("Gain", std::get<double>(value), 0, gainMaxDb);
+    camera.Apply(Camera::Lockable::No,
+                 [&](CameraSettings& settings) { settings.gainDb = std::get<double>(value); });
+}
+
+void Start(Camera& camera) {
+    camera.StartAcquisition();
+}
+
+void Stop(Camera& camera) {
+    camera.StopAcquisition();
+}
+
+constexpr RegisterRow<Camera> rows[] = {
+    {0x0500, 4, Integer, Get<&S::acquisitionMode>, SetLockable<&S::acquisitionMode, 1, 3>},
+    {0x0504, 4, Integer, Get<&S::acquisitionFrameCount>,
+     SetLockable<&S::acquisitionFrameCount, 1, 0x7FFFFFFF>},
+    {0x0508, 4, Integer, nullptr, Command<Start>},
+    {0x050C, 4, Integer, nullptr, Command<Stop>},
+    {0x0510, 8, Float, Get<&S::frameRate>, SetFrameRate},
+    {0x0518, 8, Float, [](const Camera& c) { return Value(MaxFrameRate(c.Settings())); }, nullptr},
+    {0x0520, 4, Integer, Get<&S::frameRateEnable>, SetWhole<&S::frameRateEnable, 0, 1>},
+    {0x0528, 8, Float, Get<&S::exposureTimeUs>, SetExposureTime},
+    {0x0530, 4, Integer, [](const Camera& c) { return Value(int64_t{c.Acquiring()}); }, nullptr},
+    {0x0538, 8, Float, [](const Camera& c) { return Value(ResultingFrameRate(c.Settings())); }, nullptr},
+    {0x0540, 4, Integer, Get<&S::exposureAuto>, SetWhole<&S::exposureAuto, 0, 2>},
+    {0x0900, 8, Float, Get<&S::gainDb>, SetGain},
+};
+
+} // namespace
+
+void BindAcquisitionRegisters(Camera& camera, RegisterMap& map) {
+    map.Bind(camera, rows);
+}
+
+} // namespace zqgentl

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "producer/sim/Camera.h"
+#include "producer/sim/Failure.h"
+
+#include <string>
+
+/// What the tables of camera registers are written with. Each table is a subject of its own and is bound by
+/// one function.
+namespace zqgentl {
+
+using Value = RegisterValue;
+using S = CameraSettings;
+
+void BindDeviceRegisters(Camera& camera, RegisterMap& map);
+void BindImageRegisters(Camera& camera, RegisterMap& map);
+void BindAcquisitionRegisters(Camera& camera, RegisterMap& map);
+void BindStreamingRegisters(Camera& camera, RegisterMap& map);
+void BindSimulationRegisters(Camera& camera, RegisterMap& map);
+
+inline int64_t Whole(const RegisterValue& value) {
+    return std::get<int64_t>(value);
+}
+
+/// Throw GC_ERR_INVALID_VALUE.
+void CheckRange(const char* name, int64_t value, int64_t min, int64_t max, int64_t increment = 1);
+void CheckRange(const char* name, double value, double min, double max);
+
+template <auto Member>
+RegisterValue Get(const Camera& camera) {
+    return RegisterValue(camera.Settings().*Member);
+}
+
+/// A number between two constants, changeable at any time.
+template <auto Member, int64_t Min, int64_t Max>
+void SetWhole(Camera& camera, const RegisterValue& value) {
+    CheckRange("the value", Whole(value), Min, Max);
+    camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) { settings.*Member = Whole(value); });
+}
+
+/// The same, but locked together with the transport-layer parameters.
+template <auto Member, int64_t Min, int64_t Max>
+void SetLockable(Camera& camera, const RegisterValue& value) {
+    CheckRange("the value", Whole(value), Min, Max);
+    camera.Apply(Camera::Lockable::Yes, [&](CameraSettings& settings) { settings.*Member = Whole(value); });
+}
+
+/// A command register: writing 1 executes.
+template <void (*Execute)(Camera&)>
+void Command(Camera& camera, const RegisterValue& value) {
+    CheckRange("the command", Whole(value), 1, 1);
+    Execute(camera);
+}
+
+} // namespace zqgentl
