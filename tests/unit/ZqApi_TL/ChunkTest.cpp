@@ -1,3 +1,5 @@
+#include <random>
+
 #include "tests/support/AllocationFailure.h"
 #include "tests/unit/ZqApi_TL/ChunkCamera.h"
 
@@ -227,6 +229,28 @@ TEST_F(StreamChunks, HeldBufferOfAReplacedPoolHasNoneLeft) {
     Start();
     EXPECT_EQ(held->GetChunkINodeMap(), pNodeMap);
     EXPECT_EQ(Timestamp(held), -1);
+}
+
+TEST_F(StreamChunks, NoMutationOfALayoutStopsTheStream) {
+    std::mt19937 random(5);
+    const auto mutated = [&random](std::string bytes) {
+        for (size_t changes = 1 + random() % 4; changes > 0; --changes)
+            bytes[random() % bytes.size()] = static_cast<char>(random());
+        bytes.resize(1 + random() % bytes.size());
+        return bytes;
+    };
+    for (const auto& [tlType, layout] : {std::pair("U3V", LittleEndianChunks), {"GEV", BigEndianChunks}}) {
+        StartAs(tlType, 2);
+        for (int round = 0; round < 5000; ++round) {
+            const Buffer buffer = RetrieveNewFrame(ChunkFrame(mutated(layout(Stamped(round)))));
+            ASSERT_TRUE(buffer);
+            Timestamp(buffer);
+        }
+        EXPECT_EQ(Timestamp(RetrieveNewFrame(ChunkFrame(layout(Stamped(7))))), 7);
+        stream.reset();
+        device.reset();
+        system.reset();
+    }
 }
 
 class CameraWithoutChunks : public StreamChunks {

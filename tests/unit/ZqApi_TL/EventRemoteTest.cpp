@@ -1,4 +1,5 @@
 #include <functional>
+#include <random>
 
 #include "tests/unit/ZqApi_TL/ChunkCamera.h"
 #include "tests/unit/ZqApi_TL/LoadedProducer.h"
@@ -193,6 +194,32 @@ TEST_F(RemoteEvents, DamagedOnesAreDroppedAndLaterOnesArrive) {
     EXPECT_FALSE(arrived.Wait(20));
     PushBlock(GVCP);
     EXPECT_TRUE(arrived.Wait());
+}
+
+TEST_F(RemoteEvents, NoMutationOfAPacketStopsTheEvents) {
+    std::mt19937 random(7);
+    for (const auto& [tlType, packet] : {std::pair("GEV", GVCP), {"U3V", U3V}}) {
+        OpenAs(tlType);
+        for (int round = 0; round < 5000; ++round) {
+            std::string bytes = packet;
+            for (size_t changes = 1 + random() % 4; changes > 0; --changes)
+                bytes[random() % bytes.size()] = static_cast<char>(random());
+            bytes.resize(1 + random() % bytes.size());
+            PushBlock(bytes);
+        }
+        // All of them have been looked at when the wait after the last one begins.
+        ASSERT_TRUE(producer.WaitForCalls("EventGetData", 5000));
+        arrived.Reset();
+        EXPECT_TRUE(Eventually([&, &whole = packet] {
+            PushBlock(whole);
+            return arrived.Wait(100);
+        }));
+        GenApi::Deregister(registered);
+        registered = 0;
+        stream.reset();
+        device.reset();
+        system.reset();
+    }
 }
 
 } // namespace
