@@ -11,10 +11,12 @@ constexpr size_t kTag = 8;
 } // namespace
 
 uint32_t ChunkTags::Load(size_t offset) const {
-    uint32_t value = 0;
-    for (size_t i = 0; i < 4; ++i)
-        value = value << 8 | m_buffer[offset + (m_bigEndian ? i : 3 - i)];
-    return value;
+    const uint8_t* const bytes = m_buffer + offset;
+    const auto join = [](uint32_t high, uint32_t upper, uint32_t lower, uint32_t low) {
+        return high << 24 | upper << 16 | lower << 8 | low;
+    };
+    return m_bigEndian ? join(bytes[0], bytes[1], bytes[2], bytes[3])
+                       : join(bytes[3], bytes[2], bytes[1], bytes[0]);
 }
 
 bool ChunkTags::Refuse(const char* format, size_t first, size_t second) {
