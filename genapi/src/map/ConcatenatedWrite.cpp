@@ -2,11 +2,11 @@
 #include "genapi/src/map/ConcatenatedWrite.h"
 
 #include "genapi/src/nodes/NodeBase.h"
+#include "genapi/src/persistence/StreamingScope.h"
 
 #include <GenApi/Pointer.h>
 
-#include <chrono>
-#include <thread>
+#include <optional>
 
 namespace GENAPI_NAMESPACE {
 
@@ -18,20 +18,6 @@ CNodeWriteConcatenator::~CNodeWriteConcatenator() = default;
 namespace inside {
 
 namespace {
-
-/// Executes a command if the device has it and allows it.
-void ExecuteIfThere(INodeMap& map, const char* name) {
-    using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::seconds kPatience(10);
-    const CCommandPtr command(map.GetNode(name));
-    if (!command || !IsWritable(command))
-        return;
-    command->Execute();
-    for (const auto end = Clock::now() + kPatience; !command->IsDone();
-         std::this_thread::sleep_for(std::chrono::milliseconds(1)))
-        if (Clock::now() > end)
-            throw TIMEOUT_EXCEPTION("Command '%s' does not end.", name);
-}
 
 void RequireValidRegisters(INodeMap& map) {
     const CBooleanPtr valid(map.GetNode("DeviceRegistersValid"));
@@ -108,17 +94,18 @@ bool NodeMapImpl::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenator, bool 
         throw INVALID_ARGUMENT_EXCEPTION("There are no values to write.");
     Failures failures;
     Do([&](Engine&) {
+        std::optional<StreamingScope> streaming;
         if (FeatureStreaming)
-            failures.Try("DeviceRegistersStreamingStart",
-                         [&] { ExecuteIfThere(*this, "DeviceRegistersStreamingStart"); });
+            failures.Try("DeviceRegistersStreamingStart", [&] {
+                streaming.emplace(*this, "DeviceRegistersStreamingStart", "DeviceRegistersStreamingEnd");
+            });
         for (const NodeWriteConcatenator::Entry& entry : values->entries)
             if (pErrors || failures.None())
                 failures.Try(entry.name, [&] { WriteByName(entry.name, entry.value); });
-        if (!FeatureStreaming)
-            return;
-        failures.Try("DeviceRegistersStreamingEnd",
-                     [&] { ExecuteIfThere(*this, "DeviceRegistersStreamingEnd"); });
-        failures.Try("DeviceRegistersValid", [&] { RequireValidRegisters(*this); });
+        if (streaming)
+            failures.Try("DeviceRegistersStreamingEnd", [&] { streaming->Close(); });
+        if (FeatureStreaming)
+            failures.Try("DeviceRegistersValid", [&] { RequireValidRegisters(*this); });
     });
     return failures.Finish(pErrors);
 }
