@@ -49,12 +49,25 @@ struct Header {
 };
 static_assert(sizeof(Header) == 64, "the image behind it is aligned");
 
-Header HeaderOf(CacheKey key, const void* image, size_t size) {
+/// Read and checked in parts that stay in the processor's cache in between.
+constexpr size_t kPartSize = size_t{128} * 1024;
+
+class Checksum {
+public:
+    Checksum() { XXH3_64bits_reset(&m_state); }
+    void Add(const void* bytes, size_t size) { XXH3_64bits_update(&m_state, bytes, size); }
+    uint64_t Get() const { return XXH3_64bits_digest(&m_state); }
+
+private:
+    XXH3_state_t m_state;
+};
+
+Header HeaderOf(CacheKey key, size_t size, uint64_t checksum) {
     Header header;
     header.keyLow = key.low;
     header.keyHigh = key.high;
     header.size = size;
-    header.checksum = XXH3_64bits(image, size);
+    header.checksum = checksum;
     return header;
 }
 
@@ -139,10 +152,18 @@ std::shared_ptr<const Description> DescriptionCache::Read(CacheKey key) const {
     if (size < sizeof(Header) + sizeof(Description) || size > sizeof(Header) + kMaxImageSize)
         return nullptr;
     const std::shared_ptr<char> memory(Memory(static_cast<char*>(std::malloc(size))));
-    if (!memory || !file.Read(memory.get(), size))
+    if (!memory || !file.Read(memory.get(), sizeof(Header)))
         return nullptr;
-    const char* const image = memory.get() + sizeof(Header);
-    const Header expected = HeaderOf(key, image, size - sizeof(Header));
+    char* const image = memory.get() + sizeof(Header);
+    Checksum checksum;
+    for (size_t done = 0; done < size - sizeof(Header);) {
+        const size_t part = std::min(kPartSize, size - sizeof(Header) - done);
+        if (!file.Read(image + done, part))
+            return nullptr;
+        checksum.Add(image + done, part);
+        done += part;
+    }
+    const Header expected = HeaderOf(key, size - sizeof(Header), checksum.Get());
     if (std::memcmp(memory.get(), &expected, sizeof expected) != 0)
         return nullptr;
     return {memory, reinterpret_cast<const Description*>(image)};
@@ -158,7 +179,7 @@ bool DescriptionCache::Write(CacheKey key, const DescriptionImage& image) const 
     if (!file.IsOpen())
         return false;
     const void* const bytes = image.description.get();
-    const Header header = HeaderOf(key, bytes, image.size);
+    const Header header = HeaderOf(key, image.size, XXH3_64bits(bytes, image.size));
     const bool written = file.Write(&header, sizeof header) && file.Write(bytes, image.size);
     if (file.Close() && written && std::rename(unfinished.c_str(), path.c_str()) == 0)
         return true;

@@ -15,6 +15,18 @@ DescriptionSource::DescriptionSource(std::string_view bytes, ECacheUsage_t cache
         m_bytes = bytes;
 }
 
+namespace {
+
+/// The same description with every text once, and without the markup that parsing leaves between them.
+DescriptionImage Compact(const DescriptionImage& image) {
+    return BuildImage(image.size, [&](DocumentWriter& writer) {
+        writer.ShareTexts();
+        CopyDocument(image.description->document, writer);
+    });
+}
+
+} // namespace
+
 DescriptionSource::Pointer DescriptionSource::GetDescription() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return Prepared();
@@ -60,8 +72,8 @@ DescriptionSource::Pointer DescriptionSource::FromCache() const {
 void DescriptionSource::ToCache(const DescriptionImage& image) const {
     if (m_usage == CacheUsage_Ignore)
         return;
-    const auto cache = DescriptionCache::Find();
-    const bool written = m_key && cache && cache->Write(*m_key, image);
+    const auto cache = m_key ? DescriptionCache::Find() : std::nullopt;
+    const bool written = cache && cache->Write(*m_key, Compact(image));
     if (!written && m_usage == CacheUsage_ForceWrite)
         throw RUNTIME_EXCEPTION("The description can't be written to the folder of GENICAM_CACHE_V3_0.");
 }
@@ -82,7 +94,8 @@ DescriptionSource::Pointer DescriptionSource::Prepared() {
 }
 
 DescriptionSource::Pointer DescriptionSource::Parse() {
-    const std::string text = CleanDescription(UnpackDescription(m_bytes));
+    std::string storage;
+    const std::string_view text = CleanDescription(UnpackDescription(m_bytes, storage), storage);
     Pointer description = Build(text.size(), [&](DocumentWriter& writer) {
         const std::string_view copy = writer.GetArena().Keep(text);
         ParseDocument(const_cast<char*>(copy.data()), copy.size(), m_keepTexts, writer);

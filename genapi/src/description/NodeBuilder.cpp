@@ -339,7 +339,18 @@ void NodeBuilder::BuildLimits() {
 }
 
 void NodeBuilder::BuildDisplay() {
-    m_node->display.Point(m_arena.New<DisplayPart>());
+    const bool given =
+        std::any_of(m_source->elements.begin(), m_source->elements.end(), [](const Element& element) {
+            return element.name == ElementName::Unit || element.name == ElementName::Representation ||
+                   element.name == ElementName::DisplayNotation ||
+                   element.name == ElementName::DisplayPrecision;
+        });
+    // Most nodes say nothing, and share that.
+    if (!given && !m_nothingToDisplay)
+        m_nothingToDisplay = m_arena.New<DisplayPart>();
+    m_node->display.Point(given ? m_arena.New<DisplayPart>() : m_nothingToDisplay);
+    if (!given)
+        return;
     DisplayPart& display = *m_node->display;
     for (const Element& element : m_source->elements)
         switch (element.name) {

@@ -49,6 +49,7 @@ private:
     Description& m_description;
     std::vector<Number> m_tableValues;
     Lists m_lists;
+    DisplayPart* m_nothingToDisplay = nullptr;
     ElementReader m_reader;
     NodeDescription* m_node = nullptr;
     const SourceNode* m_source = nullptr;

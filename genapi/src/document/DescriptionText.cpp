@@ -184,7 +184,7 @@ size_t SkipAscii(std::string_view text, size_t at) {
 }
 
 /// Bytes that are no UTF-8 are taken for Windows-1252, which old files use for the signs in their tool tips.
-std::string RepairUtf8(std::string text) {
+std::string RepairUtf8(std::string_view text) {
     static constexpr uint16_t kWindows[32] = {0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                               0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x8D,   0x017D, 0x8F,
                                               0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -198,40 +198,55 @@ std::string RepairUtf8(std::string text) {
             continue;
         }
         const auto byte = static_cast<unsigned char>(text[at]);
-        repaired.append(text, copied, at - copied);
+        repaired.append(text.substr(copied, at - copied));
         AppendUtf8(repaired, byte >= 0x80 && byte < 0xA0 ? kWindows[byte - 0x80] : byte);
         copied = ++at;
     }
-    if (copied == 0)
-        return text;
-    return repaired.append(text, copied, text.npos);
+    return repaired.append(text.substr(copied));
+}
+
+bool IsUtf8(std::string_view text) {
+    size_t at = SkipAscii(text, 0);
+    while (at < text.size()) {
+        const size_t length = SequenceLength(text, at);
+        if (length == 0)
+            return false;
+        at = SkipAscii(text, at + length);
+    }
+    return true;
 }
 
 } // namespace
 
-std::string UnpackDescription(std::string bytes) {
+std::string_view UnpackDescription(std::string_view bytes, std::string& storage) {
     if (bytes.size() > kMaxDescriptionSize)
         throw RUNTIME_EXCEPTION("The description is larger than %zu bytes.", kMaxDescriptionSize);
-    if (bytes.compare(0, kLocalHeader.size(), kLocalHeader) != 0)
+    if (bytes.substr(0, kLocalHeader.size()) != kLocalHeader)
         return bytes;
     const Archive archive = OpenArchive(ArchiveIn(bytes));
-    return ReadMember(archive.get(), ChooseMember(archive.get()));
+    storage = ReadMember(archive.get(), ChooseMember(archive.get()));
+    return storage;
 }
 
-std::string CleanDescription(std::string text) {
-    if (IsUtf16(text))
-        text = FromUtf16(text);
-    text.resize(std::min(text.size(), text.find('\0')));
+std::string_view CleanDescription(std::string_view text, std::string& storage) {
+    if (IsUtf16(text)) {
+        storage = FromUtf16(text);
+        text = storage;
+    }
+    text = text.substr(0, text.find('\0'));
     size_t begin = text.find("<?xml");
     if (begin == text.npos)
         begin = text.find("<RegisterDescription");
     if (begin != text.npos)
-        text.erase(0, begin);
+        text.remove_prefix(begin);
     constexpr std::string_view kEnd = "</RegisterDescription>";
     const size_t end = text.rfind(kEnd);
     if (end != text.npos)
-        text.resize(end + kEnd.size());
-    return RepairUtf8(std::move(text));
+        text = text.substr(0, end + kEnd.size());
+    if (IsUtf8(text))
+        return text;
+    storage = RepairUtf8(text);
+    return storage;
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -81,6 +81,14 @@ void DocumentWriter::Grow() {
     m_places = std::move(places);
 }
 
+std::string_view DocumentWriter::Kept(std::string_view text) {
+    constexpr size_t kMaxSharedLength = 128;
+    if (!m_sharing || text.size() > kMaxSharedLength)
+        return m_arena.Keep(text);
+    const auto known = m_shared.find(text);
+    return known != m_shared.end() ? *known : *m_shared.insert(m_arena.Keep(text)).first;
+}
+
 bool DocumentWriter::Add(const NodeDraft& node, const ElementDraft* first, size_t count) {
     if (node.name.empty() || node.name.size() > kMaxNameLength)
         return false;
@@ -97,11 +105,11 @@ bool DocumentWriter::Add(const NodeDraft& node, const ElementDraft* first, size_
     for (size_t i = 0; i < count; ++i) {
         elements[i].name = first[i].name;
         elements[i].attributeName = first[i].attributeName;
-        m_arena.KeepText(elements[i].text, first[i].text);
-        m_arena.KeepText(elements[i].attribute, first[i].attribute);
+        elements[i].text.Point(Kept(first[i].text));
+        elements[i].attribute.Point(Kept(first[i].attribute));
     }
     m_rows.push_back({node, elements, count, hash});
-    m_rows.back().node.name = m_arena.Keep(node.name);
+    m_rows.back().node.name = Kept(node.name);
     m_places[place] = static_cast<uint32_t>(m_rows.size());
     if (2 * m_rows.size() > m_places.size())
         Grow();
@@ -123,6 +131,16 @@ void DocumentWriter::Finish() {
     m_arena.NewList(m_document.unknownNames, m_unknownNames.size());
     for (size_t i = 0; i < m_unknownNames.size(); ++i)
         m_document.unknownNames[i].Point(m_unknownNames[i]);
+}
+
+void CopyDocument(const Document& document, DocumentWriter& writer) {
+    writer.CopyHeader(document.header);
+    std::vector<ElementDraft> elements;
+    for (const SourceNode& node : document.nodes) {
+        writer.DraftElements(document, node, elements);
+        writer.Add(writer.Draft(document, node), elements.data(), elements.size());
+    }
+    writer.Finish();
 }
 
 std::string EnumEntryName(std::string_view enumeration, std::string_view entry) {

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -33,6 +34,8 @@ public:
     Arena& GetArena() { return m_arena; }
     SourceHeader& Header() { return m_document.header; }
     void CopyHeader(const SourceHeader& header);
+    /// From now on equal texts share their characters, which takes longer and less memory.
+    void ShareTexts() { m_sharing = true; }
     /// The number of a name; unknown ones get one.
     ElementName Name(std::string_view name);
     std::string_view NameOf(ElementName name) const {
@@ -59,6 +62,7 @@ private:
     };
 
     void Grow();
+    std::string_view Kept(std::string_view text);
 
     Arena& m_arena;
     Document& m_document;
@@ -66,6 +70,8 @@ private:
     std::vector<uint32_t> m_places;
     std::vector<std::string_view> m_unknownNames;
     std::unordered_map<std::string_view, ElementName> m_unknownPlaces;
+    bool m_sharing = false;
+    std::unordered_set<std::string_view> m_shared;
 };
 
 /// The name of the node for an entry of an enumeration.
@@ -79,6 +85,9 @@ void ParseDocument(char* text, size_t size, bool keepTexts, DocumentWriter& writ
 /// exist.
 void ExtractDocument(const Document& document, std::string_view root, bool renameToRoot,
                      DocumentWriter& writer);
+
+/// The whole document.
+void CopyDocument(const Document& document, DocumentWriter& writer);
 
 /// All of `target` and of `addition`. Categories of one name are united; of other nodes with one name the
 /// merge priority of the one in `addition` decides: 1 that one, -1 the target's, 0 RuntimeException.

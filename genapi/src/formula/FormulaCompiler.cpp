@@ -12,22 +12,6 @@ constexpr size_t kMaxInstructions = 64 * 1024;
 constexpr size_t kMaxNesting = 256;
 constexpr size_t kMaxStack = 1024;
 
-struct BinaryOperator {
-    std::string_view symbol;
-    int precedence;
-    Op op;
-};
-
-// The order of the language, loosest first; && and || are compiled to jumps and have no instruction of their
-// own.
-constexpr BinaryOperator kOperators[] = {
-    {"||", 2, Op::Truth},        {"&&", 3, Op::Truth},     {"|", 4, Op::Or},          {"^", 5, Op::Xor},
-    {"&", 6, Op::And},           {"=", 7, Op::Equal},      {"==", 7, Op::Equal},      {"<>", 7, Op::NotEqual},
-    {"!=", 7, Op::NotEqual},     {"<", 8, Op::Less},       {"<=", 8, Op::LessEqual},  {">", 8, Op::Greater},
-    {">=", 8, Op::GreaterEqual}, {"<<", 9, Op::ShiftLeft}, {">>", 9, Op::ShiftRight}, {"+", 10, Op::Add},
-    {"-", 10, Op::Subtract},     {"*", 11, Op::Multiply},  {"/", 11, Op::Divide},     {"%", 11, Op::Modulo},
-};
-
 struct FunctionName {
     std::string_view name;
     Function function;
@@ -144,12 +128,8 @@ private:
     }
 
     const BinaryOperator* CurrentOperator(int loosest) const {
-        if (m_lexer->token != Token::Symbol)
-            return nullptr;
-        for (const BinaryOperator& op : kOperators)
-            if (op.symbol == m_lexer->text)
-                return op.precedence >= loosest ? &op : nullptr;
-        return nullptr;
+        const BinaryOperator* const op = m_lexer->Operator();
+        return op && op->precedence >= loosest ? op : nullptr;
     }
 
     void Logical(const BinaryOperator& op) {

@@ -4,6 +4,23 @@ namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
+// The order of the language, loosest first.
+constexpr BinaryOperator kOperators[] = {
+    {"||", 2, Op::Truth},        {"&&", 3, Op::Truth},     {"|", 4, Op::Or},          {"^", 5, Op::Xor},
+    {"&", 6, Op::And},           {"=", 7, Op::Equal},      {"==", 7, Op::Equal},      {"<>", 7, Op::NotEqual},
+    {"!=", 7, Op::NotEqual},     {"<", 8, Op::Less},       {"<=", 8, Op::LessEqual},  {">", 8, Op::Greater},
+    {">=", 8, Op::GreaterEqual}, {"<<", 9, Op::ShiftLeft}, {">>", 9, Op::ShiftRight}, {"+", 10, Op::Add},
+    {"-", 10, Op::Subtract},     {"*", 11, Op::Multiply},  {"/", 11, Op::Divide},     {"%", 11, Op::Modulo},
+};
+
+const BinaryOperator* FindOperator(std::string_view symbol) {
+    for (const BinaryOperator& op : kOperators)
+        if (op.symbol.size() == symbol.size() && op.symbol[0] == symbol[0] &&
+            op.symbol.back() == symbol.back())
+            return &op;
+    return nullptr;
+}
+
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -27,6 +44,7 @@ void FormulaLexer::Next() {
         ++m_offset;
     m_start = m_offset;
     text = {};
+    m_operator = nullptr;
     if (m_offset == m_text.size()) {
         token = Token::End;
         return;
@@ -83,10 +101,12 @@ void FormulaLexer::LexSymbol() {
     static constexpr std::string_view kSymbols[] = {
         "**", "||", "&&", "<>", "<=", ">=", "<<", ">>", "==", "!="};
     token = Token::Symbol;
+    const char second = m_offset + 1 < m_text.size() ? m_text[m_offset + 1] : '\0';
     for (const std::string_view symbol : kSymbols)
-        if (m_text.substr(m_offset, 2) == symbol) {
+        if (m_text[m_offset] == symbol[0] && second == symbol[1]) {
             text = symbol;
             m_offset += 2;
+            m_operator = FindOperator(text);
             return;
         }
     static constexpr std::string_view kSingle = "?:|^&=<>+-*/%~!(),";
@@ -94,6 +114,7 @@ void FormulaLexer::LexSymbol() {
         throw FormulaError("unexpected character at position " + std::to_string(m_offset));
     text = m_text.substr(m_offset, 1);
     ++m_offset;
+    m_operator = FindOperator(text);
 }
 
 bool FormulaLexer::Take(std::string_view symbol) {
