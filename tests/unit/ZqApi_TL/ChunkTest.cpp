@@ -178,20 +178,26 @@ TEST_F(StreamChunks, FailedAllocationFailsTheStart) {
 }
 
 TEST_F(StreamChunks, SteadyStateAllocatesNothing) {
-    StartAs("U3V");
-    const Frame frame = StampedFrame(3);
-    for (int round = 0; round < 3; ++round)
-        RetrieveNewFrame(frame);
-    uint64_t allocations = 0;
-    for (int round = 0; round < 20; ++round) {
-        EXPECT_TRUE(producer.PushFrame("DS1", frame));
-        EXPECT_TRUE(Eventually([this] { return Info()->GetNumAwaitDelivery() == 1; }));
-        const uint64_t before = AllocationCountOfThisThread();
-        IZqStreamBufferReleasable* const buffer = stream->RetrieveBuffer(10000, ReturnNull);
-        allocations += AllocationCountOfThisThread() - before;
-        buffer->Release();
+    AnswerChunkList({{TIMESTAMP, 4, 8}, {SIZE, 12, 8}});
+    for (const char* const tlType : {"U3V", "GEV", "CXP"}) {
+        StartAs(tlType);
+        const Frame frame = ChunkFrame(std::string(tlType) == "GEV" ? BigEndianChunks(Stamped(3))
+                                                                    : LittleEndianChunks(Stamped(3)));
+        uint64_t allocations = 0;
+        for (int round = 0; round < 20; ++round) {
+            EXPECT_TRUE(producer.PushFrame("DS1", frame));
+            EXPECT_TRUE(Eventually([this] { return Info()->GetNumAwaitDelivery() == 1; }));
+            const uint64_t before = AllocationCountOfThisThread();
+            const Buffer buffer(stream->RetrieveBuffer(10000, ReturnNull));
+            if (round >= 3)
+                allocations += AllocationCountOfThisThread() - before;
+            EXPECT_NE(Timestamp(buffer), -1);
+        }
+        EXPECT_EQ(allocations, 0u) << tlType;
+        stream.reset();
+        device.reset();
+        system.reset();
     }
-    EXPECT_EQ(allocations, 0u);
 }
 
 TEST_F(StreamChunks, ImageFallsBackToThem) {
