@@ -65,7 +65,8 @@ struct RegisterPart {
     bool masked = false;
     int64_t lsb = 0; ///< as the file has them: what they mean depends on the byte order
     int64_t msb = 0;
-    uint32_t slot = 0; ///< place among all registers
+    uint32_t slot = 0;       ///< place among all registers
+    bool sharesWord = false; ///< what was read for another register at the same place is good for this one
 };
 
 /// A number that the file gives, or the node that has it.

@@ -54,6 +54,18 @@ void CollectLists(Arena& arena, Description& description) {
     arena.KeepList(description.withEvent, withEvent);
 }
 
+/// Numbers that lie at the same place show parts of the same word, which is read once for all of them. Not so
+/// what must not be kept, or comes with events and chunks.
+void ShareWords(Description& description) {
+    for (const NodeIndex i : description.registers) {
+        NodeDescription& node = description.nodes[i];
+        const NodeDescription& port = description.nodes[node.reg->port];
+        const bool isNumber = node.kind == ValueKind::Integer || node.kind == ValueKind::Float;
+        node.reg->sharesWord =
+            isNumber && node.reg->caching != NoCache && !port.hasEvent && !port.port->isChunk;
+    }
+}
+
 void CollectFormulaErrors(Arena& arena, Description& description) {
     std::vector<std::string> errors;
     for (const NodeDescription& node : description.nodes)
@@ -75,6 +87,7 @@ void LinkDescription(Arena& arena, Description& description) {
     builder.Finish();
     CheckPorts(arena, description);
     CollectLists(arena, description);
+    ShareWords(description);
     for (NodeIndex i = 0; i < count; ++i)
         BuildFormulas(arena, description, i);
     CollectFormulaErrors(arena, description);

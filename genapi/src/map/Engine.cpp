@@ -6,7 +6,7 @@ namespace GENAPI_NAMESPACE::inside {
 
 Engine::Engine(std::shared_ptr<const Description> description)
     : m_description(std::move(description)), m_states(m_description->nodes.size()),
-      m_places(m_description->registers.size()),
+      m_words(m_description->registers.size()), m_places(m_description->registers.size()),
       m_tableValues(m_description->tableValues.begin(), m_description->tableValues.end()),
       m_texts(m_description->texts), m_ports(m_description->ports.size()),
       m_pollElapsed(m_description->polled.size(), 0) {

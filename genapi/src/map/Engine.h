@@ -1,6 +1,7 @@
 #pragma once
 
 #include "genapi/src/map/NodeState.h"
+#include "genapi/src/map/SharedWords.h"
 
 #include <GenApi/IBase.h>
 
@@ -182,6 +183,8 @@ private:
 
     int64_t LengthOf(NodeIndex node);
     void ReadRegister(NodeIndex node, Place place, uint8_t* bytes);
+    void ReadWord(NodeIndex node, Place place, uint8_t* bytes);
+    void DropWord(NodeIndex node);
     bool IsKeptHere(NodeIndex node, Place* place);
     int64_t ReadIntegerRegister(NodeIndex node);
     double ReadFloatRegister(NodeIndex node);
@@ -214,6 +217,7 @@ private:
 
     std::shared_ptr<const Description> m_description;
     std::vector<NodeState> m_states;
+    SharedWords m_words;
     std::vector<Place> m_places;                        ///< by register slot
     std::unordered_map<NodeIndex, std::string> m_bytes; ///< kept values of texts and raw registers
     std::vector<Number> m_tableValues;

@@ -10,6 +10,7 @@ void Engine::Drop(NodeIndex node) {
     state.modeKept = false;
     if (!state.ownsValue)
         state.valueKept = false;
+    DropWord(node);
     MarkChanged(node);
 }
 

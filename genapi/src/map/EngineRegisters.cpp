@@ -10,16 +10,6 @@
 
 namespace GENAPI_NAMESPACE::inside {
 
-namespace {
-
-bool Overlap(Place left, Place right) {
-    const uint64_t distance = static_cast<uint64_t>(right.address) - static_cast<uint64_t>(left.address);
-    const uint64_t back = static_cast<uint64_t>(left.address) - static_cast<uint64_t>(right.address);
-    return distance < static_cast<uint64_t>(left.length) || back < static_cast<uint64_t>(right.length);
-}
-
-} // namespace
-
 int64_t Engine::LengthOf(NodeIndex node) {
     const RegisterPart& reg = *Node(node).reg;
     if (reg.lengthNode == kNoNode)
@@ -86,6 +76,26 @@ void Engine::ReadRegister(NodeIndex node, Place place, uint8_t* bytes) {
     PortRead(Node(node).reg->port, bytes, place);
 }
 
+// Where several nodes are views of one word, the first one reads it for all.
+void Engine::ReadWord(NodeIndex node, Place place, uint8_t* bytes) {
+    const RegisterPart& reg = *Node(node).reg;
+    const uint8_t* const known =
+        reg.sharesWord && !m_ignoreCache ? m_words.Find(reg.slot, reg.port, place) : nullptr;
+    if (known) {
+        std::copy(known, known + place.length, bytes);
+        return;
+    }
+    ReadRegister(node, place, bytes);
+    if (reg.sharesWord)
+        m_words.Keep(reg.slot, reg.port, place, bytes);
+}
+
+void Engine::DropWord(NodeIndex node) {
+    const RegisterPart* const reg = Node(node).reg.Find();
+    if (reg && reg->sharesWord)
+        m_words.Drop(reg->slot);
+}
+
 // `place` is filled when the register has to be read.
 bool Engine::IsKeptHere(NodeIndex node, Place* place) {
     const NodeState& state = State(node);
@@ -108,7 +118,7 @@ int64_t Engine::ReadIntegerRegister(NodeIndex node) {
     if (IsKeptHere(node, &place))
         return state.integer;
     uint8_t bytes[8];
-    ReadRegister(node, place, bytes);
+    ReadWord(node, place, bytes);
     const int64_t value = DecodeInteger(*Node(node).reg, bytes, place.length);
     // A read past the cache may find that others hold an old value.
     const bool others = state.valueKept && state.integer != value;
@@ -127,7 +137,7 @@ double Engine::ReadFloatRegister(NodeIndex node) {
     if (IsKeptHere(node, &place))
         return state.real;
     uint8_t bytes[8];
-    ReadRegister(node, place, bytes);
+    ReadWord(node, place, bytes);
     const double value = DecodeFloat(*Node(node).reg, bytes, place.length);
     const bool others = state.valueKept && !(state.real == value);
     state.real = value;
@@ -219,6 +229,7 @@ void Engine::WriteBytes(NodeIndex node, const std::string& value) {
 bool Engine::WriteRegister(NodeIndex node, Place place, const uint8_t* bytes) {
     const RegisterPart& reg = *Node(node).reg;
     m_states[node].valueKept = false;
+    DropWord(node);
     try {
         PortWrite(reg.port, bytes, place);
     } catch (...) {
@@ -235,6 +246,7 @@ void Engine::PortWritten(NodeIndex port, Place place) {
 
 // Without a writer every register there is stale.
 void Engine::InvalidateOverlaps(NodeIndex port, NodeIndex writer, Place place) {
+    m_words.DropAt(port, place);
     std::vector<NodeIndex> touched;
     if (writer != kNoNode) {
         touched.push_back(writer);

@@ -184,8 +184,25 @@ std::string NodesOf(const std::vector<std::string>& fields, const std::string& n
 
 } // namespace
 
-// The table comes from another engine, which evaluates branches that are not chosen and lacks ABS in integer
-// formulas (ten lines), and computes integer powers as floats (four lines that overflow).
+namespace {
+
+/// What the other engine is known to do differently, by what stands in the formula; empty for the rest.
+std::string KnownDifference(const Case& line) {
+    const auto has = [&](const char* part) { return line.line.find(part) != std::string::npos; };
+    const bool guarded = has("?") || has("&&") || has("||");
+    if (line.fails && guarded && (has("division by zero") || has("unknown variable")))
+        return "it evaluates branches that are not chosen";
+    if (line.fails && has("missing arguments") && has("EXP="))
+        return "it takes variables for functions";
+    if (line.fails && line.integer && has("invalid double function") && has("ABS("))
+        return "it lacks ABS in integer formulas";
+    if (!line.fails && has("2**") + has("2 **") > 0)
+        return "it computes integer powers as floats";
+    return "";
+}
+
+} // namespace
+
 TEST(Formula, RealFormulasGiveTheKnownValues) {
     const char* const folder = std::getenv("ZQAPI_TEST_DATA");
     if (!folder)
@@ -206,8 +223,8 @@ TEST(Formula, RealFormulasGiveTheKnownValues) {
     }
     ASSERT_GT(cases.size(), 7000u);
     Camera camera(nodes);
-    size_t refusedThere = 0;
-    size_t different = 0;
+    size_t agreeing = 0;
+    std::map<std::string, int> different;
     for (size_t i = 0; i < cases.size(); ++i) {
         const std::string name = "K" + std::to_string(i);
         std::string got = "ERR";
@@ -224,11 +241,16 @@ TEST(Formula, RealFormulasGiveTheKnownValues) {
         const bool same = cases[i].fails
                               ? got.substr(0, 3) == "ERR" || got.find("formula") != got.npos
                               : sameInfinity || std::fabs(value - expected) <= std::fabs(expected) * 1e-12;
-        if (same)
+        if (same) {
+            ++agreeing;
             continue;
-        ++(cases[i].fails ? refusedThere : different);
-        std::cout << "differs: " << cases[i].line << " -> " << got << "\n";
+        }
+        const std::string reason = KnownDifference(cases[i]);
+        ++different[reason];
+        EXPECT_NE(reason, "") << cases[i].line << " -> " << got;
     }
-    EXPECT_EQ(refusedThere, 10u);
-    EXPECT_EQ(different, 4u);
+    std::cout << agreeing << " of " << cases.size() << " agree\n";
+    for (const auto& [reason, count] : different)
+        std::cout << "differs: " << reason << " " << count << "\n";
+    EXPECT_GE(agreeing, cases.size() - 14);
 }
