@@ -59,9 +59,25 @@ zq_description(device_gev device)
 
 include("${templates}/Features.cmake")
 
+# <name>=<code> for every pixel format that a camera of CAMERA_TECHNOLOGY has.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/sim/PixelFormats.def")
+function(zq_read_pixel_formats variable)
+    file(STRINGS "${CMAKE_CURRENT_SOURCE_DIR}/sim/PixelFormats.def" rows REGEX "^ZQ_PIXEL_FORMAT")
+    set(entries "")
+    foreach(row IN LISTS rows)
+        if(row MATCHES "Gvsp" AND NOT CAMERA_TECHNOLOGY STREQUAL "GEV")
+            continue()
+        endif()
+        string(REGEX REPLACE "^ZQ_PIXEL_FORMAT\\(([A-Za-z0-9_]+), (0x[0-9A-F]+),.*" "\\1=\\2" entry "${row}")
+        list(APPEND entries "${entry}")
+    endforeach()
+    set(${variable} "${entries}" PARENT_SCOPE)
+endfunction()
+
 # Writes the nodes of a camera of one technology into CAMERA_CATEGORIES and CAMERA_NODES.
 macro(zq_write_camera technology)
     set(CAMERA_TECHNOLOGY ${technology})
+    zq_read_pixel_formats(PIXEL_FORMATS)
     zq_begin_camera()
     foreach(category DeviceControl ImageFormatControl AcquisitionControl AnalogControl ChunkDataControl EventControl
             TransportLayerControl SimulationControl)
@@ -69,8 +85,6 @@ macro(zq_write_camera technology)
     endforeach()
     zq_finish_camera()
 endmacro()
-
-set(PIXEL_FORMATS Mono8=0x01080001)
 
 set(CAMERA_MODEL SimU3V2M)
 set(CAMERA_STANDARD USB)

@@ -10,7 +10,7 @@
 #   zq_port(<name> <tooltip> [CHUNK_ID <hex>] [EVENT_ID <hex>])
 #
 # Options: ENTRIES <name>=<value>..., MIN, MAX, INC, PMIN, PMAX, PINC, UNIT, VISIBILITY, REPRESENTATION, AVAILABLE
-# <node>, LOCKED_BY <node>, SELECTS <node>..., INVALIDATED_BY <node>..., POLLING <ms>, PORT <node>, ENDIANESS, EVENT_ID,
+# <node>, LOCKED_BY <node>, SELECTS <node>..., INVALIDATED_BY <node>..., VALID <value>..., POLLING <ms>, PORT <node>, ENDIANESS, EVENT_ID,
 # and the flags STREAMABLE, LOCKED (while TLParamsLocked is 1), NOCACHE, CUSTOM (not in the standard's namespace),
 # HIDDEN (in no category), SIGNED.
 
@@ -52,7 +52,7 @@ endfunction()
 macro(zq_options)
     cmake_parse_arguments(OPT "STREAMABLE;LOCKED;NOCACHE;CUSTOM;HIDDEN;SIGNED"
         "MIN;MAX;INC;PMIN;PMAX;PINC;UNIT;VISIBILITY;REPRESENTATION;AVAILABLE;LOCKED_BY;POLLING;PORT;ENDIANESS;EVENT_ID"
-        "ENTRIES;SELECTS;INVALIDATED_BY" ${ARGN})
+        "ENTRIES;SELECTS;INVALIDATED_BY;VALID" ${ARGN})
     if(OPT_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "${name}: no option is named ${OPT_UNPARSED_ARGUMENTS}")
     endif()
@@ -128,6 +128,9 @@ function(zq_feature type name tooltip middle)
     zq_element(PINC pInc)
     zq_element(REPRESENTATION Representation)
     zq_element(UNIT Unit)
+    if(DEFINED OPT_VALID)
+        string(APPEND text "        <ValidValueSet>${OPT_VALID}</ValidValueSet>\n")
+    endif()
     foreach(selected IN LISTS OPT_SELECTS)
         string(APPEND text "        <pSelected>${selected}</pSelected>\n")
     endforeach()

@@ -31,6 +31,7 @@ struct FrameInfo {
     uint64_t offsetX = 0;
     uint64_t offsetY = 0;
     uint64_t pixelFormat = 0;
+    int32_t pixelFormatNamespace = 0;
     size_t sizeFilled = 0;
     bool imagePresent = false;
     bool hasChunks = false;

@@ -1,7 +1,5 @@
 #include "producer/gentl/FrameWriter.h"
 
-#include "producer/sim/Pattern.h"
-
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -12,33 +10,36 @@ namespace {
 
 ChunkValues ValuesOf(const FrameTicket& ticket, uint64_t timestampNs) {
     const FramePlan& plan = ticket.plan;
-    return {ticket.frameId, timestampNs,       plan.exposureTimeUs,
-            plan.gainDb,    plan.region.width, plan.region.height,
-            plan.region.x,  plan.region.y,     static_cast<uint32_t>(plan.pixelFormat),
-            plan.lineStatus};
+    return {ticket.frameId,          timestampNs,
+            plan.exposureTimeUs,     plan.gainDb,
+            plan.scene.region.width, plan.scene.region.height,
+            plan.scene.region.x,     plan.scene.region.y,
+            plan.format->code,       plan.lineStatus};
 }
 
-size_t DrawImage(const FrameTicket& ticket, uint8_t* target, size_t size) {
-    return DrawMono8(ticket.plan.pattern, ticket.plan.region, ticket.frameId, target, size);
+void DrawImage(Painter& painter, const FrameTicket& ticket, uint8_t* target, size_t size) {
+    const FramePlan& plan = ticket.plan;
+    painter.Draw(plan.scene, *plan.format, plan.tone, ticket.frameId, target, size);
 }
 
 /// The whole payload: the image and what follows it.
-void WritePayload(const FrameTicket& ticket, uint64_t timestampNs, uint8_t* target) {
+void WritePayload(Painter& painter, const FrameTicket& ticket, uint64_t timestampNs, uint8_t* target) {
     const ChunkLayout& chunks = ticket.plan.chunks;
     if (chunks.Empty() || chunks.ImageSize() > 0)
-        DrawImage(ticket, target, ticket.plan.imageSize);
+        DrawImage(painter, ticket, target, ticket.plan.imageSize);
     if (!chunks.Empty())
         chunks.Write(ValuesOf(ticket, timestampNs), target);
 }
 
 /// As much of a payload as fits. Chunks need their image, so one that carries some is written aside first.
-void WriteCutOff(const FrameTicket& ticket, uint64_t timestampNs, uint8_t* target, size_t size) {
+void WriteCutOff(Painter& painter, const FrameTicket& ticket, uint64_t timestampNs, uint8_t* target,
+                 size_t size) {
     if (ticket.plan.chunks.Empty()) {
-        DrawImage(ticket, target, size);
+        DrawImage(painter, ticket, target, size);
         return;
     }
     std::vector<uint8_t> whole(ticket.plan.payloadSize);
-    WritePayload(ticket, timestampNs, whole.data());
+    WritePayload(painter, ticket, timestampNs, whole.data());
     std::memcpy(target, whole.data(), size);
 }
 
@@ -50,11 +51,12 @@ FrameInfo DescribeFrame(const FrameTicket& ticket, uint64_t timestampNs) {
     frame.present = true;
     frame.frameId = ticket.frameId;
     frame.timestampNs = timestampNs;
-    frame.width = plan.region.width;
-    frame.height = plan.region.height;
-    frame.offsetX = plan.region.x;
-    frame.offsetY = plan.region.y;
-    frame.pixelFormat = plan.pixelFormat;
+    frame.width = plan.scene.region.width;
+    frame.height = plan.scene.region.height;
+    frame.offsetX = plan.scene.region.x;
+    frame.offsetY = plan.scene.region.y;
+    frame.pixelFormat = plan.formatCode;
+    frame.pixelFormatNamespace = plan.formatNamespace;
     frame.imageSize = plan.imageSize;
     frame.hasChunks = !plan.chunks.Empty();
     frame.imagePresent = !frame.hasChunks || plan.chunks.ImageSize() > 0;
@@ -63,16 +65,17 @@ FrameInfo DescribeFrame(const FrameTicket& ticket, uint64_t timestampNs) {
     return frame;
 }
 
-void WriteFrame(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
+void WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
     FrameInfo frame = DescribeFrame(ticket, timestampNs);
     frame.sizeFilled = std::min(buffer.Size(), ticket.plan.payloadSize);
     frame.largerThanBuffer = frame.sizeFilled < ticket.plan.payloadSize;
     frame.incomplete = frame.largerThanBuffer;
-    frame.deliveredHeight = std::min<uint64_t>(frame.height, frame.sizeFilled / frame.width);
+    frame.deliveredHeight =
+        std::min<uint64_t>(frame.height, frame.sizeFilled * frame.height / frame.imageSize);
     if (frame.largerThanBuffer)
-        WriteCutOff(ticket, timestampNs, buffer.Base(), frame.sizeFilled);
+        WriteCutOff(painter, ticket, timestampNs, buffer.Base(), frame.sizeFilled);
     else
-        WritePayload(ticket, timestampNs, buffer.Base());
+        WritePayload(painter, ticket, timestampNs, buffer.Base());
     buffer.SetFrame(frame);
 }
 

@@ -2,6 +2,7 @@
 
 #include "producer/gentl/BufferModule.h"
 #include "producer/sim/Camera.h"
+#include "producer/sim/Painter.h"
 
 #include <cstdint>
 
@@ -12,6 +13,6 @@ namespace zqgentl {
 
 /// Draws the frame into the buffer and describes it there. A frame that doesn't fit is cut off and
 /// incomplete.
-void WriteFrame(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
+void WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
 
 } // namespace zqgentl

@@ -135,6 +135,14 @@ void StreamEngine::CancelCurrent(Place to) {
     m_settled.notify_all();
 }
 
+void StreamEngine::SetHandling(BufferHandling handling) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    if (m_stopOwed)
+        throw Failure(GenTL::GC_ERR_ACCESS_DENIED,
+                      "buffer handling can't change while the stream is started");
+    m_handling = handling;
+}
+
 void StreamEngine::Start(uint64_t frames) {
     std::lock_guard<std::mutex> guard(m_lock);
     if (frames == 0)
@@ -256,20 +264,24 @@ bool StreamEngine::Disturbed(const FrameTicket& ticket) const {
 }
 
 bool StreamEngine::MayTake() const {
-    return m_pauses == 0 && m_pool.Count(Place::Input) > 0;
+    const bool overwrites = m_handling != BufferHandling::OldestFirst;
+    return m_pauses == 0 &&
+           (m_pool.Count(Place::Input) > 0 || (overwrites && m_pool.Count(Place::Output) > 0));
 }
 
 void StreamEngine::Run() {
     FrameTicket ticket;
     Lock lock(m_lock);
     while (!m_quit) {
-        m_free.store(Flowing() && !ticket.plan.paced, std::memory_order_relaxed);
+        m_free.store(Flowing() && !ticket.plan.paced && !ticket.plan.triggered, std::memory_order_relaxed);
         if (!Flowing()) {
             m_wake.wait(lock, [this] { return m_quit || Flowing(); });
         } else if (ticket.revision != m_camera.Revision()) {
             lock.unlock();
             m_camera.Refresh(ticket);
             lock.lock();
+        } else if (ticket.plan.triggered) {
+            TriggeredFrame(lock, ticket);
         } else if (ticket.plan.paced) {
             PacedFrame(lock, ticket);
         } else {
@@ -288,8 +300,7 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
         m_threadIdle = false;
         return;
     }
-    BufferModule& buffer = *m_pool.First(Place::Input);
-    Take(buffer);
+    BufferModule& buffer = TakeNext();
     m_writing = true;
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
@@ -297,7 +308,7 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
         const auto timestampNs = static_cast<uint64_t>(SteadyNow());
         Send(EventKind::FrameStart, ticket, timestampNs);
         Send(EventKind::ExposureEnd, ticket, timestampNs);
-        WriteFrame(buffer, ticket, timestampNs);
+        WriteFrame(m_painter, buffer, ticket, timestampNs);
         Send(EventKind::FrameEnd, ticket, timestampNs);
     }
     lock.lock();
@@ -330,15 +341,30 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
     Schedule(ticket);
     if (!AwaitDue(lock, ticket))
         return;
-    lock.unlock();
     const Clock::time_point exposed = m_due;
+    m_due += ticket.plan.period;
+    Expose(lock, ticket, exposed);
+}
+
+void StreamEngine::TriggeredFrame(Lock& lock, FrameTicket& ticket) {
+    m_wake.wait(lock, [&] { return Disturbed(ticket) || m_camera.Triggered(); });
+    if (Disturbed(ticket))
+        return;
+    m_camera.TakeTrigger();
+    m_due = Clock::now() + ticket.plan.triggerDelay;
+    m_rescheduled = true;
+    if (AwaitDue(lock, ticket))
+        Expose(lock, ticket, m_due);
+}
+
+void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed) {
+    lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
     if (begun)
         Send(EventKind::FrameStart, ticket, Nanoseconds(exposed));
     lock.lock();
     if (!begun)
         return;
-    m_due += ticket.plan.period;
     m_wake.wait(lock, [this] { return m_quit || m_pauses == 0; });
     if (m_quit || !m_running)
         return;
@@ -349,8 +375,7 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
         lock.lock();
         return;
     }
-    BufferModule& buffer = *m_pool.First(Place::Input);
-    Take(buffer);
+    BufferModule& buffer = TakeNext();
     ++m_counters.started;
     m_currentFrame = DescribeFrame(ticket, Nanoseconds(exposed));
     // A frame once begun is finished, unless it is taken away by a flush, a kill or a loss.
@@ -361,7 +386,7 @@ void StreamEngine::PacedFrame(Lock& lock, FrameTicket& ticket) {
     m_writing = true;
     lock.unlock();
     Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
-    WriteFrame(buffer, ticket, Nanoseconds(exposed));
+    WriteFrame(m_painter, buffer, ticket, Nanoseconds(exposed));
     Send(EventKind::FrameEnd, ticket, Nanoseconds(exposed));
     lock.lock();
     m_writing = false;
@@ -373,12 +398,23 @@ void StreamEngine::Send(EventKind kind, const FrameTicket& ticket, uint64_t time
         m_camera.Send({kind, ticket.frameId, timestampNs, 0});
 }
 
-void StreamEngine::Take(BufferModule& buffer) {
-    m_pool.Move(buffer, Place::Filling);
-    m_current = &buffer;
+BufferModule& StreamEngine::TakeNext() {
+    BufferModule* buffer = m_pool.First(Place::Input);
+    if (buffer == nullptr) {
+        buffer = m_pool.First(Place::Output);
+        buffer->SetFrame(FrameInfo());
+        ++m_counters.underrun;
+    }
+    m_pool.Move(*buffer, Place::Filling);
+    m_current = buffer;
+    return *buffer;
 }
 
 void StreamEngine::Deliver(BufferModule& buffer) {
+    if (m_handling == BufferHandling::NewestOnly) {
+        m_counters.underrun += m_pool.Count(Place::Output);
+        Requeue(Place::Output);
+    }
     m_pool.Move(buffer, Place::Output);
     m_current = nullptr;
     ++m_counters.delivered;

@@ -2,6 +2,7 @@
 
 #include "producer/gentl/BufferPool.h"
 #include "producer/gentl/EventGate.h"
+#include "producer/gentl/FrameWriter.h"
 #include "producer/sim/Camera.h"
 
 #include <atomic>
@@ -11,6 +12,11 @@
 #include <thread>
 
 namespace zqgentl {
+
+/// Numbered as the enumeration StreamBufferHandlingMode numbers them. OldestFirst: a frame that finds no
+/// queued buffer is lost. The other two give up filled buffers that wait for delivery: OldestFirstOverwrite
+/// the oldest, when no other is left, and NewestOnly all of them for each new frame.
+enum class BufferHandling : int64_t { OldestFirst, OldestFirstOverwrite, NewestOnly };
 
 /// How many buffers a stream needs to start.
 constexpr size_t buffersMin = 1;
@@ -48,6 +54,10 @@ public:
     void Queue(BufferModule& buffer);
     void Flush(GenTL::ACQ_QUEUE_TYPE operation);
 
+    /// What happens to frames while no buffer is queued; not to be changed while started.
+    void SetHandling(BufferHandling handling);
+    [[nodiscard]] BufferHandling Handling() const noexcept { return m_handling; }
+
     void Start(uint64_t frames);
     void Stop(GenTL::ACQ_STOP_FLAGS flags);
     [[nodiscard]] Counts Count() const;
@@ -78,7 +88,9 @@ private:
     void Schedule(const FrameTicket& ticket);
     /// Called without the lock. Costs nothing while the event is off.
     void Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs);
-    void Take(BufferModule& buffer);
+    void TriggeredFrame(Lock& lock, FrameTicket& ticket);
+    void Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
+    BufferModule& TakeNext();
     void Deliver(BufferModule& buffer);
     void DeliverUnfinished();
     void CancelCurrent(Place to);
@@ -97,9 +109,11 @@ private:
     uint64_t m_remaining = 0;
     BufferModule* m_current = nullptr; // taken by the thread
     FrameInfo m_currentFrame;          // what is known of its frame while it is exposed
-    bool m_writing = false;            // the thread writes into it, without the lock
-    unsigned m_pauses = 0;             // callers that want no new buffer taken
-    std::atomic<bool> m_free{false};   // frames flow as fast as they are fetched
+    std::atomic<BufferHandling> m_handling{BufferHandling::OldestFirst};
+    Painter m_painter;
+    bool m_writing = false;          // the thread writes into it, without the lock
+    unsigned m_pauses = 0;           // callers that want no new buffer taken
+    std::atomic<bool> m_free{false}; // frames flow as fast as they are fetched
     bool m_threadIdle = false;
     bool m_running = false;
     bool m_stopOwed = false;

@@ -51,9 +51,12 @@ StreamEngine::Counts CountsOf(const StreamModule& stream) {
     return stream.Engine().Count();
 }
 
-void OnlyOldestFirst(StreamModule&, const Value& value) {
-    if (std::get<int64_t>(value) != 0)
-        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "StreamBufferHandlingMode can only be OldestFirst");
+void SetHandling(StreamModule& stream, const Value& value) {
+    const int64_t handling = std::get<int64_t>(value);
+    if (handling < 0 || handling > static_cast<int64_t>(BufferHandling::NewestOnly))
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE,
+                      "StreamBufferHandlingMode has no value " + std::to_string(handling));
+    stream.Engine().SetHandling(static_cast<BufferHandling>(handling));
 }
 
 constexpr RegisterRow<StreamModule> registerRows[] = {
@@ -61,7 +64,8 @@ constexpr RegisterRow<StreamModule> registerRows[] = {
     {0x0300, 4, Integer,
      [](const StreamModule& s) { return Value(static_cast<int64_t>(s.Source().Model().technology)); },
      nullptr},
-    {0x0304, 4, Integer, [](const StreamModule&) { return Value(int64_t{0}); }, OnlyOldestFirst},
+    {0x0304, 4, Integer,
+     [](const StreamModule& s) { return Value(static_cast<int64_t>(s.Engine().Handling())); }, SetHandling},
     {0x0308, 8, Integer, [](const StreamModule& s) { return OfCount(CountsOf(s).announced); }, nullptr},
     {0x0310, 8, Integer, [](const StreamModule&) { return OfCount(buffersMin); }, nullptr},
     {0x0318, 8, Integer, [](const StreamModule& s) { return OfCount(CountsOf(s).counters.delivered); },

@@ -26,6 +26,18 @@ void SetGain(Camera& camera, const RegisterValue& value) {
                  [&](CameraSettings& settings) { settings.gainDb = std::get<double>(value); });
 }
 
+void SetTriggerDelay(Camera& camera, const RegisterValue& value) {
+    CheckRange("TriggerDelay", std::get<double>(value), 0, triggerDelayMaxUs);
+    camera.Apply(Camera::Lockable::No,
+                 [&](CameraSettings& settings) { settings.triggerDelayUs = std::get<double>(value); });
+}
+
+void TriggerBySoftware(Camera& camera) {
+    camera.Trigger(TriggerSource::Software);
+}
+
+constexpr int64_t lastSource = triggerSourceCount - 1;
+
 void Start(Camera& camera) {
     camera.StartAcquisition();
 }
@@ -47,6 +59,12 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x0530, 4, Integer, [](const Camera& c) { return Value(int64_t{c.Acquiring()}); }, nullptr},
     {0x0538, 8, Float, [](const Camera& c) { return Value(ResultingFrameRate(c.Settings())); }, nullptr},
     {0x0540, 4, Integer, Get<&S::exposureAuto>, SetWhole<&S::exposureAuto, 0, 2>},
+    {0x0550, 4, Integer, [](const Camera&) { return Value(int64_t{0}); }, SetNothing<0>},
+    {0x0554, 4, Integer, Get<&S::triggerMode>, SetWhole<&S::triggerMode, 0, 1>},
+    {0x0558, 4, Integer, nullptr, Command<TriggerBySoftware>},
+    {0x055C, 4, Integer, Get<&S::triggerSource>, SetWhole<&S::triggerSource, 0, lastSource>},
+    {0x0560, 4, Integer, Get<&S::triggerActivation>, SetWhole<&S::triggerActivation, 0, 2>},
+    {0x0568, 8, Float, Get<&S::triggerDelayUs>, SetTriggerDelay},
     {0x0900, 8, Float, Get<&S::gainDb>, SetGain},
 };
 

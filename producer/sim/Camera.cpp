@@ -1,5 +1,6 @@
 #include "producer/sim/Camera.h"
 
+#include "gentl/GenTL.h"
 #include "producer/sim/Failure.h"
 
 #include <algorithm>
@@ -148,12 +149,7 @@ void Camera::TakePlan(FrameTicket& ticket) const {
     if (ticket.revision == m_revision)
         return;
     ticket.revision = m_revision;
-    ticket.plan.region = {static_cast<uint32_t>(m_settings.offsetX),
-                          static_cast<uint32_t>(m_settings.offsetY), static_cast<uint32_t>(m_settings.width),
-                          static_cast<uint32_t>(m_settings.height)};
-    ticket.plan.pixelFormat = static_cast<uint64_t>(m_settings.pixelFormat);
-    ticket.plan.pattern = static_cast<TestPattern>(m_settings.testPattern);
-    ticket.plan.imageSize = static_cast<size_t>(m_settings.width * m_settings.height);
+    PlanImage(ticket.plan);
     ticket.plan.chunks = ChunkLayout();
     if (m_settings.chunkModeActive != 0)
         ticket.plan.chunks = ChunkLayout(m_model.technology, m_settings.chunkMask, ticket.plan.imageSize);
@@ -165,10 +161,46 @@ void Camera::TakePlan(FrameTicket& ticket) const {
     ticket.plan.gainDb = m_settings.gainDb;
     ticket.plan.paced = m_settings.frameRateEnable != 0;
     ticket.plan.exposure = std::chrono::nanoseconds(static_cast<int64_t>(m_settings.exposureTimeUs * 1e3));
+    ticket.plan.triggered = m_settings.triggerMode != 0;
+    ticket.plan.triggerDelay =
+        std::chrono::nanoseconds(static_cast<int64_t>(m_settings.triggerDelayUs * 1e3));
     ticket.plan.period = std::chrono::nanoseconds(0);
     if (ticket.plan.paced)
         ticket.plan.period =
             std::chrono::nanoseconds(static_cast<int64_t>(1e9 / ResultingFrameRate(m_settings)));
+}
+
+void Camera::PlanImage(FramePlan& plan) const {
+    const auto number = [](int64_t value) { return static_cast<uint32_t>(value); };
+    Scene& scene = plan.scene;
+    scene.pattern = static_cast<TestPattern>(m_settings.testPattern);
+    scene.region = {number(m_settings.offsetX), number(m_settings.offsetY), number(m_settings.width),
+                    number(m_settings.height)};
+    scene.sensorWidth = m_model.sensorWidth;
+    scene.sensorHeight = m_model.sensorHeight;
+    scene.binningX = number(m_settings.binningX);
+    scene.binningY = number(m_settings.binningY);
+    scene.reverseX = m_settings.reverseX != 0;
+    scene.reverseY = m_settings.reverseY != 0;
+    scene.seed = number(m_settings.seed);
+    plan.format = FindPixelFormat(m_model.technology, m_settings.pixelFormat);
+    plan.imageSize = plan.format->ImageSize(scene.region.width, scene.region.height);
+    const bool native = m_model.nativePixelCodes && plan.format->cxpCode != 0;
+    plan.formatCode = native ? plan.format->cxpCode : plan.format->code;
+    plan.formatNamespace =
+        native ? GenTL::PIXELFORMAT_NAMESPACE_UNKNOWN : GenTL::PIXELFORMAT_NAMESPACE_PFNC_32BIT;
+}
+
+void Camera::Trigger(TriggerSource source) {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        const bool wanted =
+            m_settings.triggerMode != 0 && m_settings.triggerSource == static_cast<int64_t>(source);
+        if (!wanted || !m_acquiring)
+            return;
+        ++m_triggers;
+    }
+    NotifyChanged();
 }
 
 void Camera::StartAcquisition() {
@@ -178,6 +210,7 @@ void Camera::StartAcquisition() {
             return;
         ++m_run;
         m_nextFrameId = 0;
+        m_triggers = 0;
         const auto mode = static_cast<AcquisitionMode>(m_settings.acquisitionMode);
         m_framesLeft = 0;
         if (mode == AcquisitionMode::SingleFrame)

@@ -4,7 +4,7 @@
 #include "producer/sim/CameraModel.h"
 #include "producer/sim/CameraSettings.h"
 #include "producer/sim/Drift.h"
-#include "producer/sim/Pattern.h"
+#include "producer/sim/Painter.h"
 #include "producer/sim/RegisterMap.h"
 
 #include <atomic>
@@ -17,9 +17,11 @@ namespace zqgentl {
 
 /// How the next frames are to be made. Without pace the camera is as fast as its host takes frames.
 struct FramePlan {
-    Region region;
-    uint64_t pixelFormat = 0;
-    TestPattern pattern = TestPattern::DiagonalRampMoving;
+    Scene scene;
+    const PixelFormat* format = nullptr;
+    ToneCurve tone;
+    uint64_t formatCode = 0; ///< in the namespace
+    int32_t formatNamespace = 0;
     size_t imageSize = 0;
     size_t payloadSize = 0;
     ChunkLayout chunks;
@@ -29,6 +31,8 @@ struct FramePlan {
     double gainDb = 0;
     uint32_t lineStatus = 0;
     bool paced = true;
+    bool triggered = false;
+    std::chrono::nanoseconds triggerDelay{0};
     std::chrono::nanoseconds period{0};
     std::chrono::nanoseconds exposure{0};
 };
@@ -87,6 +91,12 @@ public:
     /// last frame of a finite acquisition ends it. False when the camera isn't acquiring.
     bool BeginFrame(FrameTicket& ticket);
 
+    /// A source fires. It counts as a trigger if triggers are on, come from this source and an acquisition is
+    /// under way; a frame takes one each.
+    void Trigger(TriggerSource source);
+    [[nodiscard]] bool Triggered() const noexcept { return m_triggers > 0; }
+    void TakeTrigger() noexcept { --m_triggers; }
+
     /// Changes the settings as one step. A change to what frames look like is refused while the
     /// transport-layer parameters are locked.
     enum class Lockable { No, Yes };
@@ -105,6 +115,7 @@ public:
 private:
     void RequireUnlocked() const;
     void TakePlan(FrameTicket& ticket) const;
+    void PlanImage(FramePlan& plan) const;
     void NotifyChanged();
     template <class Call>
     void Tell(Call call);
@@ -126,6 +137,7 @@ private:
     uint64_t m_framesLeft = 0;
     std::atomic<uint64_t> m_revision{1};
     std::atomic<bool> m_acquiring{false};
+    std::atomic<int64_t> m_triggers{0};
     std::atomic<bool> m_lost{false};
     int64_t m_adjusted = 0; // when the automatic exposure last took a step
     double m_temperatureTold = 0;

@@ -45,6 +45,12 @@ void SetLockable(Camera& camera, const RegisterValue& value) {
     camera.Apply(Camera::Lockable::Yes, [&](CameraSettings& settings) { settings.*Member = Whole(value); });
 }
 
+/// A selector with few entries, none of which has a state of its own.
+template <int64_t Max>
+void SetNothing(Camera&, const RegisterValue& value) {
+    CheckRange("the selector", Whole(value), 0, Max);
+}
+
 /// A command register: writing 1 executes.
 template <void (*Execute)(Camera&)>
 void Command(Camera& camera, const RegisterValue& value) {

@@ -15,6 +15,11 @@ enum class AcquisitionMode : int64_t { SingleFrame = 1, MultiFrame = 2, Continuo
 /// Numbered as the enumerations ExposureAuto, GainAuto and the like number them.
 enum class AutoMode : int64_t { Off = 0, Once = 1, Continuous = 2 };
 
+/// What starts a frame, numbered as the enumeration TriggerSource numbers them.
+enum class TriggerSource : int64_t { Software, Line0, Line1, Counter0End, Timer0End, Action0 };
+constexpr int64_t triggerSourceCount = 6;
+enum class TriggerActivation : int64_t { RisingEdge, FallingEdge, AnyEdge };
+
 /// What the registers of a camera set, with the values after power-up.
 struct CameraSettings {
     int64_t width = 640;
@@ -22,7 +27,12 @@ struct CameraSettings {
     int64_t offsetX = 0;
     int64_t offsetY = 0;
     int64_t pixelFormat = pixelFormatMono8;
+    int64_t binningX = 1;
+    int64_t binningY = 1;
+    int64_t reverseX = 0;
+    int64_t reverseY = 0;
     int64_t testPattern = 0;
+    int64_t seed = 0;
 
     int64_t acquisitionMode = static_cast<int64_t>(AcquisitionMode::Continuous);
     int64_t acquisitionFrameCount = 1;
@@ -30,6 +40,10 @@ struct CameraSettings {
     double frameRate = 30.0;
     double exposureTimeUs = 1000.0;
     int64_t exposureAuto = static_cast<int64_t>(AutoMode::Off);
+    int64_t triggerMode = 0;
+    int64_t triggerSource = static_cast<int64_t>(TriggerSource::Software);
+    int64_t triggerActivation = static_cast<int64_t>(TriggerActivation::RisingEdge);
+    double triggerDelayUs = 0.0;
     double gainDb = 0.0;
 
     int64_t chunkModeActive = 0;
@@ -51,6 +65,15 @@ constexpr double exposureTimeMinUs = 10.0;
 constexpr double exposureTimeMaxUs = 1e6;
 constexpr double frameRateMin = 0.1;
 constexpr double gainMaxDb = 24.0;
+constexpr double triggerDelayMaxUs = 1e6;
+constexpr int64_t binningMax = 4;
+
+inline int64_t WidthMax(const CameraModel& model, const CameraSettings& settings) {
+    return model.sensorWidth / settings.binningX / widthIncrement * widthIncrement;
+}
+inline int64_t HeightMax(const CameraModel& model, const CameraSettings& settings) {
+    return model.sensorHeight / settings.binningY;
+}
 
 /// The rate that the exposure time leaves room for, in frames per second.
 double MaxFrameRate(const CameraSettings& settings);

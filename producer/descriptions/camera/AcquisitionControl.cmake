@@ -16,3 +16,12 @@ zq_boolean(AcquisitionActive 0x0530 RO "Whether the camera acquires." VISIBILITY
 zq_float(ExposureTime 0x0528 8 RW "How long a frame is exposed." STREAMABLE MIN 10 MAX 1000000 UNIT us)
 zq_enumeration(ExposureAuto 0x0540 RW "Off: ExposureTime stays as it is written. Once: it is adjusted one time. \
 Continuous: it follows the brightness of the scene." STREAMABLE ENTRIES Off=0 Once=1 Continuous=2)
+zq_enumeration(TriggerSelector 0x0550 RW "The trigger that the next features are about."
+    SELECTS TriggerMode TriggerSoftware TriggerSource TriggerActivation TriggerDelay ENTRIES FrameStart=0)
+zq_enumeration(TriggerMode 0x0554 RW "On: each frame waits for a trigger." STREAMABLE ENTRIES Off=0 On=1)
+zq_command(TriggerSoftware 0x0558 "Triggers a frame, with Software as the source.")
+zq_enumeration(TriggerSource 0x055C RW "What triggers a frame." STREAMABLE
+    ENTRIES Software=0 Line0=1 Line1=2 Counter0End=3 Timer0End=4 Action0=5)
+zq_enumeration(TriggerActivation 0x0560 RW "The edge of a line that triggers." STREAMABLE
+    ENTRIES RisingEdge=0 FallingEdge=1 AnyEdge=2)
+zq_float(TriggerDelay 0x0568 8 RW "Time from the trigger to the exposure." STREAMABLE MIN 0 MAX 1000000 UNIT us)

@@ -79,7 +79,7 @@ TEST_F(Ports, ValuesOutsideTheLimitsAreRefused) {
     EXPECT_EQ(WriteInt(camera::Height, 0), GC_ERR_INVALID_VALUE);
     EXPECT_EQ(WriteInt(camera::OffsetY, 600), GC_ERR_SUCCESS);
     EXPECT_EQ(WriteInt(camera::Height, 481), GC_ERR_INVALID_VALUE);
-    EXPECT_EQ(WriteInt(camera::PixelFormat, 0x01100003), GC_ERR_INVALID_VALUE);
+    EXPECT_EQ(WriteInt(camera::PixelFormat, 0x010C0004), GC_ERR_INVALID_VALUE);
     EXPECT_EQ(WriteFloat(camera::ExposureTime, 9.0), GC_ERR_INVALID_VALUE);
     EXPECT_EQ(WriteFloat(camera::AcquisitionFrameRate, 1001.0), GC_ERR_INVALID_VALUE);
     EXPECT_EQ(WriteFloat(camera::ExposureTime, 100.0), GC_ERR_SUCCESS);

@@ -40,6 +40,14 @@ constexpr uint64_t EventNotification = 0x844;
 constexpr uint64_t TestEventGenerate = 0x848;
 constexpr uint64_t ExposureAuto = 0x540;
 constexpr uint64_t Gain = 0x900;
+constexpr uint64_t BinningHorizontal = 0x428;
+constexpr uint64_t BinningVertical = 0x42C;
+constexpr uint64_t WidthMax = 0x438;
+constexpr uint64_t HeightMax = 0x43C;
+constexpr uint64_t TriggerMode = 0x554;
+constexpr uint64_t TriggerSoftware = 0x558;
+constexpr uint64_t TriggerSource = 0x55C;
+constexpr uint64_t TriggerDelay = 0x568;
 } // namespace camera
 
 /// Waits, without sleeping, until the condition holds; false after ten seconds.

@@ -1,5 +1,6 @@
 // The encoders of chunks and event packets, against bytes written by hand from the layouts of the transports.
 
+#include "Hex.h"
 #include "producer/sim/CameraEvents.h"
 #include "producer/sim/Chunks.h"
 
@@ -9,21 +10,8 @@ using namespace zqgentl;
 
 namespace {
 
-std::vector<uint8_t> FromHex(const std::string& hex) {
-    std::vector<uint8_t> bytes;
-    for (size_t i = 0; i < hex.size(); i += 2)
-        bytes.push_back(static_cast<uint8_t>(std::stoul(hex.substr(i, 2), nullptr, 16)));
-    return bytes;
-}
-
 std::string ToHex(const std::string& bytes) {
-    std::string hex;
-    char digits[3];
-    for (const char byte : bytes) {
-        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(byte));
-        hex += digits;
-    }
-    return hex;
+    return ::ToHex(bytes.data(), bytes.size());
 }
 
 /// An image of 8 bytes and the frame id 0x8877665544332211, which lies in memory as 11 22 ... 88.

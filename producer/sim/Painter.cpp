@@ -1,0 +1,91 @@
+#include "producer/sim/Painter.h"
+
+#include "producer/sim/LinePacker.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zqgentl {
+
+namespace {
+
+/// A tone curve has 16 bits; values of fewer are looked up by their share of the range.
+void ApplyTone(const std::vector<uint16_t>& curve, uint32_t bits, uint16_t* values, size_t count) {
+    const uint32_t shift = 16 - bits;
+    for (size_t i = 0; i < count; ++i)
+        values[i] = static_cast<uint16_t>(curve[uint32_t{values[i]} << shift] >> shift);
+}
+
+bool IsSingleByte(const PixelFormat& format) {
+    return format.packing == Packing::Whole && format.BitsPerPixel() == 8;
+}
+
+} // namespace
+
+ColourLine Painter::Look(const Scene& scene, const PixelFormat& format, const ToneCurve& tone,
+                         uint64_t frameId, uint32_t row) {
+    const size_t width = scene.region.width;
+    m_values.resize(3 * width);
+    const ColourLine line = LookAt(scene, frameId, row, format.bits, m_values.data());
+    if (tone != nullptr)
+        ApplyTone(*tone, format.bits, m_values.data(), line.Grey() ? width : 3 * width);
+    return line;
+}
+
+void Painter::DrawLine(const Scene& scene, const PixelFormat& format, const ToneCurve& tone, uint64_t frameId,
+                       uint32_t row, uint8_t* target) {
+    const size_t width = scene.region.width;
+    const ColourLine line = Look(scene, format, tone, frameId, row);
+    if (!format.Mono() && !format.Bayer()) {
+        PackColour(format, line, width, target);
+        return;
+    }
+    const uint16_t* values = line.red;
+    if (!line.Grey()) {
+        m_mixed.resize(width);
+        if (format.Bayer())
+            MixBayer(format, line, width, row, m_mixed.data());
+        else
+            MixMono(line, width, m_mixed.data());
+        values = m_mixed.data();
+    }
+    PackSingle(format, values, width, target);
+}
+
+size_t Painter::Draw(const Scene& scene, const PixelFormat& format, const ToneCurve& tone, uint64_t frameId,
+                     uint8_t* target, size_t size) {
+    const uint32_t planes = format.Planes();
+    const size_t lineSize = size_t{scene.region.width} * format.BitsPerPixel() / 8 / planes;
+    const size_t total = std::min(size, lineSize * planes * scene.region.height);
+    const bool copied = IsSingleByte(format) && tone == nullptr;
+    size_t drawn = 0;
+    for (uint32_t line = 0; drawn < total; ++line) {
+        const uint32_t row = line % scene.region.height;
+        const size_t count = std::min(lineSize, total - drawn);
+        // Two lines make one of a Bayer mosaic.
+        if (row >= 2 && LinesRepeat(scene.pattern)) {
+            std::memcpy(target + drawn, target + drawn - 2 * lineSize, count);
+            drawn += count;
+            continue;
+        }
+        if (copied && CopyGreyLine(scene, frameId, row, target + drawn, count)) {
+            drawn += count;
+            continue;
+        }
+        m_line.resize(lineSize);
+        uint8_t* place = count == lineSize ? target + drawn : m_line.data();
+        if (planes == 1) {
+            DrawLine(scene, format, tone, frameId, row, place);
+        } else {
+            const ColourLine colours = Look(scene, format, tone, frameId, row);
+            const uint16_t* plane[] = {colours.red, colours.green, colours.blue};
+            PackSingle(format, plane[line / scene.region.height], scene.region.width, place);
+        }
+        if (place == m_line.data())
+            std::memcpy(target + drawn, place, count);
+        drawn += count;
+    }
+    return drawn;
+}
+
+} // namespace zqgentl
