@@ -56,7 +56,11 @@ void CZqDataStream::StartNewBufferThread() {
 
 void CZqDataStream::PrepareChunkDecoding() {
     for (CZqStreamBuffer* const buffer : m_Pool.Buffers()) {
+        // One in the application's hands is prepared when it is handed out again.
+        if (buffer->IsLent())
+            continue;
         try {
+            buffer->RenewChunkDecode();
             buffer->PrepareChunkDecode();
         } catch (const GenICam::BadAllocException&) {
             throw;
@@ -89,7 +93,8 @@ void CZqDataStream::QueueKeptBuffers(size_t keptCount) {
 void CZqDataStream::QueueUnlessBusy(const CZqStreamBuffer& buffer) {
     bool known = false;
     // A producer that keeps its output over a restart may have delivered it already.
-    if (buffer.IsLent() || m_Delivered.Contains(&buffer) || IsQueued(buffer, known))
+    // In this order: a reader marks a buffer as lent before it is out of the queue.
+    if (m_Delivered.Contains(&buffer) || buffer.IsLent() || IsQueued(buffer, known))
         return;
     try {
         QueueToProducer(buffer);

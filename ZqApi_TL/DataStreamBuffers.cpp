@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
 #include "ZqApi_TL/ZqDataStream.h"
@@ -85,7 +86,7 @@ void CZqDataStream::DeallocateBuffers() {
     m_Delivered.Clear();
     // No new one can begin: the queue is empty and its thread does not run.
     while (m_nHandingOut.load() != 0)
-        std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
     m_Pool.DeregisterAll([this] { FlushQueue(ACQ_QUEUE_ALL_DISCARD); });
 }
 

@@ -1,5 +1,6 @@
 #include "ZqApi_TL/EventItem.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -9,6 +10,9 @@
 
 namespace ZqApi {
 namespace {
+
+// No event carries as much; a larger size is a producer's mistake, refused before anything is allocated.
+constexpr size_t LARGEST_ITEM = size_t{16} << 20;
 
 /// `failed(type, size)` is called right after the failing call, with the addresses that it had.
 template <class Failed>
@@ -27,13 +31,16 @@ EventItem Read(const EventBlock& block, EVENT_DATA_INFO_CMD command, Failed fail
         return item;
     item.size = size;
     item.bytes = ConvertBadAlloc(block.unit, __LINE__, [size] {
-        if (size > static_cast<size_t>(PTRDIFF_MAX) - 1)
+        if (size > LARGEST_ITEM)
             throw std::bad_alloc();
         return std::unique_ptr<uint8_t[]>(new uint8_t[size + 1]());
     });
     if (!ask(item.bytes.get())) {
         item.bytes.reset();
         item.size = 0;
+    } else {
+        // Less than announced is what there is; more was never written.
+        item.size = std::min(item.size, size);
     }
     return item;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 
 #include "ZqApi_TL/PixelComponentList.h"
@@ -15,7 +16,8 @@ public:
         : m_Memory(memory), m_pBegin(memory.begin),
           m_Size(m_pBegin == nullptr
                      ? 0
-                     : PlaneAt(planes - 1) + LineAt(memory.height - 1) + (memory.width * bits + 7) / 8) {}
+                     : std::min(memory.readable, PlaneAt(planes - 1) + LineAt(memory.height - 1) +
+                                                     (memory.width * bits + 7) / 8)) {}
 
     size_t LineAt(size_t y) const { return y * m_Memory.linePitch; }
     size_t PlaneAt(size_t plane) const { return plane * m_Memory.planePitch; }

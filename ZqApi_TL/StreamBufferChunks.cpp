@@ -14,11 +14,21 @@ namespace {
 
 constexpr const char* UNIT = "ZqApi_TL/ZqStreamBuffer";
 
+// Far more than any camera sends; the adapters have the same limit.
+constexpr size_t MAX_CHUNKS = 65536;
+
 } // namespace
 
+void StreamBufferChunks::Renew() {
+    const std::lock_guard<std::mutex> lock(m_Preparing);
+    m_bWithoutChunks = false;
+}
+
 void StreamBufferChunks::Prepare(CZqGenTLLib* pGenTL, IZqDeviceInside& device) {
-    if (m_pAdapter)
+    const std::lock_guard<std::mutex> lock(m_Preparing);
+    if (m_pAdapter || m_bWithoutChunks)
         return;
+    m_bWithoutChunks = true;
     m_pCZqGenTL = pGenTL;
     auto* const pRemotePort = static_cast<IZqPortInside*>(device.GetRemoteIZqPort());
     if (m_NodeMap._Ptr == nullptr)
@@ -28,6 +38,7 @@ void StreamBufferChunks::Prepare(CZqGenTLLib* pGenTL, IZqDeviceInside& device) {
     const gcstring tlType = pRemotePort->GetIZqPortInfo()->GetTLType();
     m_pAdapter = ConvertBadAlloc(UNIT, __LINE__, [&] { return MakeChunkAdapter(tlType, m_NodeMap._Ptr); });
     m_pGenericAdapter = dynamic_cast<GenApi::CChunkAdapterGeneric*>(m_pAdapter.get());
+    m_bWithoutChunks = false;
 }
 
 void StreamBufferChunks::Attach() {
@@ -46,16 +57,27 @@ void StreamBufferChunks::AttachBytes() {
     const CZqStreamBufferInfo& info = m_Buffer.GetInfo();
     auto* const base = static_cast<uint8_t*>(info.GetBaseAddress());
     // What a producer says beyond the memory that it was given is not to be believed.
-    const size_t size = std::min(info.GetSizeFilled(), m_Buffer.GetAnnouncedSize());
+    const size_t size = std::min(FilledSize(info), m_Buffer.GetAnnouncedSize());
     if (base == nullptr) {
         Detach();
         return;
     }
     m_bLayoutHeld = true;
     if (m_pGenericAdapter != nullptr)
-        AttachAsListed(*m_pGenericAdapter, base);
+        AttachAsListed(*m_pGenericAdapter, base, size);
     else
         m_pAdapter->AttachBuffer(base, static_cast<int64_t>(size));
+}
+
+size_t StreamBufferChunks::FilledSize(const CZqStreamBufferInfo& info) const {
+    try {
+        return info.GetSizeFilled();
+    } catch (const GenICam::GenericException&) {
+        // A list of places needs no end; tags are found from it.
+        if (m_pGenericAdapter == nullptr)
+            throw;
+        return m_Buffer.GetAnnouncedSize();
+    }
 }
 
 size_t StreamBufferChunks::QueryChunkList(SINGLE_CHUNK_DATA* list, size_t count) {
@@ -69,11 +91,11 @@ size_t StreamBufferChunks::QueryChunkList(SINGLE_CHUNK_DATA* list, size_t count)
     return count;
 }
 
-void StreamBufferChunks::AttachAsListed(GenApi::CChunkAdapterGeneric& adapter, uint8_t* base) {
-    // No buffer has more chunks than bytes; a producer that says so is refused before anything is allocated.
+void StreamBufferChunks::AttachAsListed(GenApi::CChunkAdapterGeneric& adapter, uint8_t* base, size_t size) {
     const size_t announced = QueryChunkList(nullptr, 0);
-    if (announced > m_Buffer.GetAnnouncedSize())
-        throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "The buffer can't hold %I64u chunks.",
+    // Refused before anything is allocated for it.
+    if (announced > MAX_CHUNKS)
+        throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "No buffer has %I64u chunks.",
                                                      static_cast<uint64_t>(announced));
     ConvertBadAlloc(UNIT, __LINE__, [&] {
         if (m_ListedChunks.size() < announced)
@@ -83,7 +105,6 @@ void StreamBufferChunks::AttachAsListed(GenApi::CChunkAdapterGeneric& adapter, u
     const size_t listed = announced == 0 ? 0 : QueryChunkList(m_ListedChunks.data(), m_ListedChunks.size());
     const size_t count = std::min(listed, m_ListedChunks.size());
     m_Chunks.clear();
-    const size_t size = m_Buffer.GetAnnouncedSize();
     for (size_t index = 0; index < count; ++index) {
         const SINGLE_CHUNK_DATA& chunk = m_ListedChunks[index];
         const auto offset = static_cast<size_t>(chunk.ChunkOffset);

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include <GenApi/ChunkAdapterGeneric.h>
@@ -26,7 +27,10 @@ public:
     StreamBufferChunks(const StreamBufferChunks&) = delete;
     StreamBufferChunks& operator=(const StreamBufferChunks&) = delete;
 
-    /// Makes node map and adapter unless they exist; neither when the camera describes no chunks.
+    /// Lets the next Prepare look anew: a new acquisition begins.
+    void Renew();
+    /// Makes node map and adapter unless they exist; neither when the camera describes no chunks. What could
+    /// not be made is not tried again before Renew.
     void Prepare(CZqGenTLLib* pGenTL, IZqDeviceInside& device);
     bool HasAdapter() const { return m_pAdapter != nullptr; }
     /// Null when there is none.
@@ -44,10 +48,13 @@ public:
 
 private:
     void AttachBytes();
-    void AttachAsListed(GenApi::CChunkAdapterGeneric& adapter, uint8_t* base);
+    void AttachAsListed(GenApi::CChunkAdapterGeneric& adapter, uint8_t* base, size_t size);
+    size_t FilledSize(const CZqStreamBufferInfo& info) const;
     size_t QueryChunkList(SINGLE_CHUNK_DATA* list, size_t count);
 
     const CZqStreamBuffer& m_Buffer;
+    // A start prepares all buffers while a reader may prepare the one that it has just taken.
+    std::mutex m_Preparing;
     CZqGenTLLib* m_pCZqGenTL = nullptr;
     GenApi::CNodeMapRef m_NodeMap;
     std::unique_ptr<GenApi::CChunkAdapter> m_pAdapter;
@@ -58,6 +65,8 @@ private:
     // Set per frame; the adapter may still hold the layout of the frame before.
     std::atomic<bool> m_bAttached{false};
     bool m_bLayoutHeld = false;
+    // Preparing failed, or found nothing; not tried again for every frame.
+    bool m_bWithoutChunks = false;
 };
 
 } // namespace ZqApi

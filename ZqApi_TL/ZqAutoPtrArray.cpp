@@ -81,9 +81,19 @@ UT* CZqAutoPtrArray<T, UT>::operator[](size_t nIndex) const {
 
 template <class T, class UT>
 void CZqAutoPtrArray<T, UT>::ReleaseAll() {
-    while (GetSize() != 0)
-        if (T* const p = Deregister(0))
+    while (GetSize() != 0) {
+        T* const p = Deregister(0);
+        if (p == nullptr)
+            continue;
+        try {
             p->Release();
+        } catch (...) {
+            // Refused, inside one of its callbacks say: it is still there and still belongs to the array. The
+            // room for it is there as well.
+            m_pEntries->insert(m_pEntries->begin(), p);
+            throw;
+        }
+    }
 }
 
 template class CZqAutoPtrArray<IZqSystemReleasable, IZqSystem>;

@@ -1,5 +1,6 @@
 #include "ZqApi_TL/ZqDataStream.h"
 
+#include <chrono>
 #include <thread>
 
 #include "ZqApi_TL/OptionalEvent.h"
@@ -131,8 +132,9 @@ void CZqDataStream::Release() {
         steps.Run([this] { StopGrabbing(ACQ_STOP_FLAGS_DEFAULT); });
         m_Acquisition.stopped->SetEvent();
     }
+    // Asleep, not yielding: a caller of real-time priority would keep a reader from ever leaving.
     while (m_nReaders.load() != 0)
-        std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
     steps.Run([this] { DeleteInsideObjects(); });
     m_pErrorEvent.reset();
     m_pCZqPort.reset();

@@ -24,6 +24,14 @@ bool IsTransportPacket(const uint8_t* bytes, size_t size) {
            std::memcmp(bytes, U3V_EVENT_PREFIX, sizeof U3V_EVENT_PREFIX) == 0;
 }
 
+/// Digits, with or without 0x.
+bool IsHexadecimal(const gcstring& text) {
+    const char* digits = text.c_str();
+    if (digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X'))
+        digits += 2;
+    return digits[0] != '\0' && digits[std::strspn(digits, "0123456789abcdefABCDEF")] == '\0';
+}
+
 bool IsTransportPacket(const EventItem& value) {
     return value.IsPresent() && IsTransportPacket(value.bytes.get(), value.size);
 }
@@ -67,7 +75,7 @@ bool CZqEventRemoteDevice::DeliverItem(const void* pBuffer, size_t iSize) {
     uint64_t number = 0;
     if (id.ReadNumber(number)) {
         m_ItemAdapter.DeliverMessage(item, itemSize, number);
-    } else if (const gcstring text = id.Text(); !text.empty()) {
+    } else if (const gcstring text = id.Text(); IsHexadecimal(text)) {
         m_ItemAdapter.DeliverMessage(item, itemSize, text);
     } else {
         const EventItem numericId = TryReadEventItem(block, EVENT_DATA_NUMID);

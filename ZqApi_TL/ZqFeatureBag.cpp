@@ -62,6 +62,8 @@ bool CZqFeatureBag::Load(INodeMap* pNodeMap, bool verify, gcstring_vector* pErro
 void CZqFeatureBag::StoreStringToBag(const gcstring& text) {
     ConvertGrowthFailure(__LINE__, [&] {
         std::istringstream stream(std::string(text.c_str(), text.size()));
+        // Else a stream keeps a failed allocation to itself and looks as if it had ended.
+        stream.exceptions(std::ios::badbit);
         Read(stream);
     });
 }
@@ -69,7 +71,13 @@ void CZqFeatureBag::StoreStringToBag(const gcstring& text) {
 void CZqFeatureBag::StoreFileToBag(const gcstring& fileName) {
     ConvertGrowthFailure(__LINE__, [&] {
         std::ifstream file = Opened<std::ifstream>(fileName, std::ios::in | std::ios::binary);
-        Read(file);
+        file.exceptions(std::ios::badbit);
+        try {
+            Read(file);
+        } catch (const std::ios::failure&) {
+            throw ReportError<GenICam::RuntimeException>(UNIT, __LINE__, "File %s is unreadable.",
+                                                         fileName.c_str());
+        }
     });
 }
 
@@ -94,9 +102,18 @@ void CZqFeatureBag::ReadFeatures(std::istream& stream) {
     while (stream) {
         if (!stream.getline(name, LINE_CAPACITY, '\t') || !std::getline(stream, value))
             return;
-        FeatureBag.m_Names.push_back(gcstring(name));
-        FeatureBag.m_Values.push_back(gcstring(value.c_str(), value.size()));
+        Append(gcstring(name), gcstring(value.c_str(), value.size()));
         SkipComments(stream);
+    }
+}
+
+void CZqFeatureBag::Append(const gcstring& name, const gcstring& value) {
+    FeatureBag.m_Names.push_back(name);
+    try {
+        FeatureBag.m_Values.push_back(value);
+    } catch (...) {
+        FeatureBag.m_Names.pop_back();
+        throw;
     }
 }
 
@@ -114,6 +131,7 @@ void CZqFeatureBag::Write(std::ostream& stream) const {
 void CZqFeatureBag::SaveToString(gcstring& text) {
     ConvertGrowthFailure(__LINE__, [&] {
         std::ostringstream stream;
+        stream.exceptions(std::ios::badbit);
         Write(stream);
         const std::string written = stream.str();
         text = gcstring(written.c_str(), written.size());

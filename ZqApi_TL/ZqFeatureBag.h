@@ -27,6 +27,7 @@ private:
     ~CZqFeatureBag() = default;
     void Read(std::istream& stream);
     void ReadFeatures(std::istream& stream);
+    void Append(const gcstring& name, const gcstring& value);
     void Write(std::ostream& stream) const;
 
     /// The lists, which only derived classes reach.

@@ -3,6 +3,7 @@
 #include <ZqApi/Library.h>
 
 #include "ZqSDKCommon/Error.h"
+#include "ZqSDKCommon/IZqImageInside.h"
 
 namespace ZqApi {
 namespace {
@@ -19,13 +20,15 @@ ImageMemory MemoryOf(IZqImage& image, const PixelReader& reader, size_t x, size_
     const size_t height = image.GetImageHeight();
     CheckInside("x", x, width);
     CheckInside("y", y, height);
+    auto* const pInside = dynamic_cast<IZqImageInside*>(&image);
     return {&image,
             reader.format,
             width,
             height,
             static_cast<const uint8_t*>(image.GetImageBuffer()),
             image.GetImageLinePitch(),
-            reader.planes > 1 ? image.GetImagePlanePitch() : 0};
+            reader.planes > 1 ? image.GetImagePlanePitch() : 0,
+            pInside != nullptr ? pInside->GetReadableSize() : SIZE_MAX};
 }
 
 } // namespace

@@ -60,6 +60,8 @@ public:
     void SetLent(bool lent) { m_bLent = lent; }
     /// Forgets that chunk data was attached: the memory holds another frame now.
     void ForgetChunkBuffer() { m_Chunks.Forget(); }
+    /// Lets preparation be tried again.
+    void RenewChunkDecode() { m_Chunks.Renew(); }
     /// Whether its chunk data could be read, if a frame had any.
     bool HasChunkAdapter() const { return m_Chunks.HasAdapter(); }
 

@@ -103,9 +103,22 @@ EZqPixelFormatNamingConvention_t CZqStreamBufferImage::GetImagePixelFormat() {
 
 void* CZqStreamBufferImage::GetImageBuffer() {
     ZQ_ASSERT(UNIT, m_pCZqStreamBuffer->GetBufferHandle() != NULL);
+    auto* const begin = static_cast<uint8_t*>(m_pCZqStreamBuffer->GetBufferAddress());
+    return begin != nullptr ? begin + ImageOffset() : nullptr;
+}
+
+size_t CZqStreamBufferImage::ImageOffset() const {
     size_t offset = 0;
     TryQuery([this] { return m_pCZqStreamBuffer->GetInfo().GetImageOffset(); }, offset);
-    return static_cast<uint8_t*>(m_pCZqStreamBuffer->GetBufferAddress()) + offset;
+    return offset;
+}
+
+size_t CZqStreamBufferImage::GetReadableSize() {
+    if (m_pCZqStreamBuffer->GetBufferHandle() == nullptr || m_pCZqStreamBuffer->GetBufferAddress() == nullptr)
+        return 0;
+    const size_t size = m_pCZqStreamBuffer->GetAnnouncedSize();
+    const size_t offset = ImageOffset();
+    return offset < size ? size - offset : 0;
 }
 
 void* CZqStreamBufferImage::GetUserContext() {

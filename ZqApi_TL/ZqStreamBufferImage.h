@@ -23,6 +23,7 @@ public:
     EZqPixelFormatNamingConvention_t GetImagePixelFormat() override;
     void* GetImageBuffer() override;
     void* GetUserContext() override;
+    size_t GetReadableSize() override;
     IZqImage* GetROIImage(size_t x, size_t y, size_t width, size_t height) override;
     IZqPixelComponentValue* GetIZqPixelComponentValue(size_t x, size_t y) override;
 
@@ -32,6 +33,7 @@ public:
 private:
     /// 0 when there is no such chunk value.
     size_t ChunkValue(const char* node) const;
+    size_t ImageOffset() const;
     bool ReadChunkPixelFormat(int64_t& value) const;
     bool IsCoaXPress();
 

@@ -16,6 +16,8 @@ struct ImageMemory {
     const uint8_t* begin;
     size_t linePitch;
     size_t planePitch;
+    /// Bytes from `begin` on that may be read.
+    size_t readable;
 };
 
 /// A pixel's components as the image that owns them sees them.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
 #include <new>
 
 #include <ZqApi/Library.h>
@@ -50,19 +49,32 @@ MakeChart ChartOf(EZqPixelFormatNamingConvention_t format) {
     return found != std::end(CHARTS) ? found->make : nullptr;
 }
 
+/// Where pixels are copied from: what a source claims beyond its memory reads as 0.
+struct PlaneSource {
+    const uint8_t* begin;
+    size_t readable;
+
+    void Copy(uint8_t* to, size_t offset, size_t size) const {
+        const size_t there = offset < readable ? std::min(size, readable - offset) : 0;
+        if (there != 0)
+            std::memcpy(to, begin + offset, there);
+        std::memset(to + there, 0, size - there);
+    }
+};
+
 /// Copies what both pitches have of each line. The last line ends with its pixels: behind those, the memory
 /// of a region may end as well.
-void CopyPlane(uint8_t* to, size_t toPitch, const uint8_t* from, size_t fromPitch, size_t height,
-               size_t pixelBytes) {
+void CopyPlane(uint8_t* to, size_t toPitch, const PlaneSource& from, size_t offset, size_t fromPitch,
+               size_t height, size_t pixelBytes) {
     const size_t common = std::min(toPitch, fromPitch);
     const size_t lastLine = std::min(common, pixelBytes);
     if (toPitch == fromPitch) {
-        std::memcpy(to, from, (height - 1) * toPitch + lastLine);
+        from.Copy(to, offset, (height - 1) * toPitch + lastLine);
         return;
     }
-    for (size_t line = 1; line < height; ++line, to += toPitch, from += fromPitch)
-        std::memcpy(to, from, common);
-    std::memcpy(to, from, lastLine);
+    for (size_t line = 1; line < height; ++line, to += toPitch, offset += fromPitch)
+        from.Copy(to, offset, common);
+    from.Copy(to, offset, lastLine);
 }
 
 } // namespace
@@ -101,9 +113,12 @@ void CZqImageBuffer::SetSize(size_t width, size_t height, EZqPixelFormatNamingCo
 
 void CZqImageBuffer::Reallocate(size_t size) {
     ReleaseMemory();
-    ConvertBadAlloc(UNIT, __LINE__, [&] { m_pAllocator->Allocate(&m_pBuffer, size, &m_pUserContext); });
-    if (m_pBuffer == nullptr)
+    // An allocator that stores a block and throws all the same keeps it.
+    void* pBuffer = nullptr;
+    ConvertBadAlloc(UNIT, __LINE__, [&] { m_pAllocator->Allocate(&pBuffer, size, &m_pUserContext); });
+    if (pBuffer == nullptr)
         throw ReportError<GenICam::BadAllocException>(UNIT, __LINE__, "");
+    m_pBuffer = pBuffer;
     m_nCapacity = size;
 }
 
@@ -166,31 +181,22 @@ void CZqImageBuffer::CopyImage(IZqImage* pSource) {
     const size_t width = pSrcIZqImageInside->GetImageWidth();
     const size_t height = pSrcIZqImageInside->GetImageHeight();
     const size_t fromPitch = pSrcIZqImageInside->GetImageLinePitch();
-    const auto* from = static_cast<const uint8_t*>(pSrcIZqImageInside->GetImageBuffer());
-    if (Holds(from)) {
+    if (&RootOf(*pSrcIZqImageInside) == this) {
         // A region of this very image: sizing the copy would pull it from under the source.
         CZqImageBuffer detached(nullptr);
         detached.CopyImage(pSource);
         CopyImage(detached.GetIZqImage());
         return;
     }
+    const PlaneSource from{static_cast<const uint8_t*>(pSrcIZqImageInside->GetImageBuffer()),
+                           pSrcIZqImageInside->GetReadableSize()};
+    const size_t fromPlanePitch = pSrcIZqImageInside->GetImagePlanePitch();
     SetSize(width, height, format, 0);
     const IZqPixelFormatInfo& info = *GetIZqPixelFormatInfo(format);
-    auto* to = static_cast<uint8_t*>(m_pBuffer);
     const size_t pixelBytes = info.GetRequiredLinePitch(width, 1);
-    CopyPlane(to, m_nLinePitch, from, fromPitch, height, pixelBytes);
-    for (size_t plane = 1; plane < info.GetPlaneCount(); ++plane) {
-        from += pSrcIZqImageInside->GetImagePlanePitch();
-        to += GetImagePlanePitch();
-        CopyPlane(to, m_nLinePitch, from, fromPitch, height, pixelBytes);
-    }
-}
-
-bool CZqImageBuffer::Holds(const void* address) const {
-    // The total order of std::less also holds between addresses of different blocks.
-    const void* const end = static_cast<const uint8_t*>(m_pBuffer) + m_nCapacity;
-    const std::less<const void*> before;
-    return !before(address, m_pBuffer) && before(address, end);
+    for (size_t plane = 0; plane < info.GetPlaneCount(); ++plane)
+        CopyPlane(static_cast<uint8_t*>(m_pBuffer) + plane * GetImagePlanePitch(), m_nLinePitch, from,
+                  plane * fromPlanePitch, fromPitch, height, pixelBytes);
 }
 
 IZqImage* CZqImageBuffer::GetIZqImage() {
@@ -237,8 +243,8 @@ IZqImage* CZqImageBuffer::GetROIImage(size_t x, size_t y, size_t width, size_t h
 
 IZqPixelComponentValue* CZqImageBuffer::GetIZqPixelComponentValue(size_t x, size_t y) {
     const ImageMemory memory{
-        this,         m_ePixelFormat,          m_nWidth, m_nHeight, static_cast<const uint8_t*>(m_pBuffer),
-        m_nLinePitch, m_nHeight * m_nLinePitch};
+        this,         m_ePixelFormat,           m_nWidth,   m_nHeight, static_cast<const uint8_t*>(m_pBuffer),
+        m_nLinePitch, m_nHeight * m_nLinePitch, m_nCapacity};
     m_pPixelComponent->SetPixelComponent(memory, x, y);
     return m_pPixelComponent.get();
 }

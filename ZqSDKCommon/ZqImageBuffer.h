@@ -45,6 +45,8 @@ public:
     IZqImage* GetROIImage(size_t x, size_t y, size_t width, size_t height) override;
     IZqPixelComponentValue* GetIZqPixelComponentValue(size_t x, size_t y) override;
 
+    size_t GetReadableSize() override { return m_nCapacity; }
+
     void Allocate(void** ppBuffer, size_t size, void** ppContext) override;
     void Deallocate(void* pBuffer, size_t size, void* pContext) override;
     void OnDeregister() override;
@@ -62,7 +64,6 @@ public:
 private:
     void Reallocate(size_t size);
     void ReleaseMemory();
-    bool Holds(const void* address) const;
 
     void* m_pBuffer = nullptr;
     void* m_pUserContext = nullptr;

@@ -58,6 +58,8 @@ EZqPixelFormatNamingConvention_t CZqROIImage::GetImagePixelFormat() {
 void* CZqROIImage::GetImageBuffer() {
     const size_t bits = LineBitsOf(*GetIZqPixelFormatInfo(GetImagePixelFormat()));
     auto* const begin = static_cast<uint8_t*>(m_pParent->GetImageBuffer());
+    if (begin == nullptr)
+        return nullptr;
     return begin + m_nY * GetImageLinePitch() + m_nX * bits / 8;
 }
 
@@ -81,18 +83,26 @@ IZqImage* RetargetROIImage(const char* unit, std::unique_ptr<CZqROIImage>& view,
     return view.get();
 }
 
+size_t CZqROIImage::GetReadableSize() {
+    const auto* const begin = static_cast<const uint8_t*>(m_pParent->GetImageBuffer());
+    if (begin == nullptr)
+        return 0;
+    const auto offset = static_cast<size_t>(static_cast<const uint8_t*>(GetImageBuffer()) - begin);
+    const size_t parentSize = ReadableSizeOf(*m_pParent);
+    return offset < parentSize ? parentSize - offset : 0;
+}
+
 size_t ReadableSizeOf(IZqImage& image) {
     const size_t planes = GetIZqPixelFormatInfo(image.GetImagePixelFormat())->GetPlaneCount();
     const size_t size =
         (planes - 1) * image.GetImagePlanePitch() + image.GetImageHeight() * image.GetImageLinePitch();
+    auto* const pInside = dynamic_cast<IZqImageInside*>(&image);
+    return pInside != nullptr ? std::min(size, pInside->GetReadableSize()) : size;
+}
+
+IZqImageInside& RootOf(IZqImageInside& image) {
     auto* const pRegion = dynamic_cast<CZqROIImage*>(&image);
-    if (pRegion == nullptr)
-        return size;
-    IZqImage& parent = pRegion->GetParent();
-    const auto offset = static_cast<size_t>(static_cast<uint8_t*>(pRegion->GetImageBuffer()) -
-                                            static_cast<uint8_t*>(parent.GetImageBuffer()));
-    const size_t parentSize = ReadableSizeOf(parent);
-    return offset < parentSize ? std::min(size, parentSize - offset) : 0;
+    return pRegion != nullptr ? RootOf(pRegion->GetParent()) : image;
 }
 
 } // namespace ZqApi

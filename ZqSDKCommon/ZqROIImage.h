@@ -30,7 +30,8 @@ public:
     /// GenICam::OutOfRangeException; a refusal of the vertical numbers leaves the horizontal ones in place.
     void SetROI(size_t x, size_t y, size_t width, size_t height);
 
-    IZqImage& GetParent() { return *m_pParent; }
+    size_t GetReadableSize() override;
+    IZqImageInside& GetParent() { return *m_pParent; }
 
 private:
     IZqImageInside* const m_pParent;
@@ -46,8 +47,11 @@ private:
 IZqImage* RetargetROIImage(const char* unit, std::unique_ptr<CZqROIImage>& view, IZqImageInside& parent,
                            size_t x, size_t y, size_t width, size_t height);
 
-/// The bytes from the image's first pixel on that belong to its memory: every line of every plane counts with
-/// its whole pitch, but a region's memory ends where its parent's does.
+/// The bytes from the image's first pixel on that belong to it: every line of every plane counts with its
+/// whole pitch, but not beyond the memory that there is; a region's ends where its parent's does.
 size_t ReadableSizeOf(IZqImage& image);
+
+/// The image that a region, or a region of a region, lies in; of others the image itself.
+IZqImageInside& RootOf(IZqImageInside& image);
 
 } // namespace ZqApi

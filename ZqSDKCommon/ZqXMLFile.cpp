@@ -137,11 +137,14 @@ void CZqXMLFile::CreateNodeMapFactoryForChunkData(const gcstring& rootName, bool
 void CZqXMLFile::CreateSubTreeNodeMapForChunkData(GenApi::CNodeMapRef& nodeMapRef) {
     if (!m_bCreated || m_ChunkFactory.IsEmpty())
         return;
-    nodeMapRef = m_ChunkFactory.CreateNodeMap(m_DeviceName, true);
-    Connect(nodeMapRef);
-    GenApi::CIntegerPtr lock = nodeMapRef._GetNode("TLParamsLock");
+    GenApi::CNodeMapRef made(m_DeviceName);
+    made = m_ChunkFactory.CreateNodeMap(m_DeviceName, true);
+    Connect(made);
+    GenApi::CIntegerPtr lock = made._GetNode("TLParamsLock");
     if (lock.IsValid() && GenApi::IsWritable(lock))
         lock->SetValue(1);
+    // Last, so that what could not be finished is not taken for a node map.
+    nodeMapRef = made;
 }
 
 gcstring CZqXMLFile::GetURL(CZqGenTLLib* pCZqGenTL, PORT_HANDLE hPort) {

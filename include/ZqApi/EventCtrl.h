@@ -15,7 +15,8 @@ public:
     /// Stops the module's event threads and then throws the first failure, CZqGenTLErrorException when the
     /// producer could not interrupt a wait. An interface is the exception: it stops its error events, but
     /// starts its module events. A data stream refuses by GenICam::LogicalErrorException inside
-    /// one of its callbacks; on its own thread an event is only asked to stop.
+    /// one of its callbacks; on its own thread an event is only asked to stop. Not from a node callback: it
+    /// holds its node map's lock, which another event thread of the module may be waiting for.
     virtual void StopEventAcquisitionThread() = 0;
 
 protected:

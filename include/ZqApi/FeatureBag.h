@@ -11,8 +11,9 @@ namespace ZqApi {
 /// The text is GenApi's persistence format, version 3.0.0: three comment lines, of which the first carries
 /// the magic "{05D8C294-F295-4dfb-9D01-096BD04049F4}", then name, tab and value of one feature per line, as
 /// they stand. Lines that begin with '#' are ignored; blank lines are not, and a carriage return belongs to
-/// the value. Names and lines of comments end after 1023 and 1024 characters. A null node map throws
-/// GenICam::InvalidArgumentException "Nodemap pointer is NULL".
+/// the value. A name of more than 1023 characters ends the reading without a word; of a comment of more than
+/// 1024 the rest is read as data. A null node map throws GenICam::InvalidArgumentException "Nodemap pointer
+/// is NULL".
 class IZqFeatureBag {
 public:
     /// Replaces the content by the streamable features of the node map, at most `maxEntries` (-1: all);
@@ -22,11 +23,12 @@ public:
     /// empty one, which leaves the content in place; when the first line lacks the magic, the bag is empty
     /// then. A last name without a tab or a value is dropped.
     virtual void StoreStringToBag(const gcstring& text) = 0;
-    /// The same for a file; "File %s could not be opened." leaves the content in place.
+    /// The same for a file; "File %s could not be opened." leaves the content in place, "File %s is
+    /// unreadable." what was read until then.
     virtual void StoreFileToBag(const gcstring& fileName) = 0;
     /// Writes the content into the node map in order, with `verify` checked and read back. What fails is
     /// tried again while anything more succeeds; false when a value did not stick in the end, with the
-    /// reasons in `pErrorList` (may be null).
+    /// reasons in `pErrorList` (may be null). Writes nothing while the camera's TLParamsLocked is set.
     virtual bool Load(INodeMap* pNodeMap, bool verify, gcstring_vector* pErrorList) = 0;
     virtual void SaveToString(gcstring& text) = 0;
     /// Throws GenICam::RuntimeException "File %s could not be opened." or, when the disk is full,

@@ -17,18 +17,20 @@ public:
     virtual size_t GetImageHeight() = 0;
     /// Bytes from one line to the next.
     virtual size_t GetImageLinePitch() = 0;
-    /// Bytes from one plane to the next: line pitch times height.
+    /// Bytes from one plane to the next: line pitch times height, of a region its parent's.
     virtual size_t GetImagePlanePitch() = 0;
     virtual EZqPixelFormatNamingConvention_t GetImagePixelFormat() = 0;
     /// Line 0 of plane 0; owned by the image.
     virtual void* GetImageBuffer() = 0;
-    /// What the allocator of the memory stored with it; null without an allocator.
+    /// What the allocator of the memory stored with it, even when the memory is gone; null without an
+    /// allocator.
     virtual void* GetUserContext() = 0;
     /// A view of a region, owned by this image; every call re-targets the same view.
     ///
     /// Offset and size are multiples of the pixel format's increments and lie inside the image, else
     /// GenICam::OutOfRangeException is thrown; a refusal of `y` or `height` leaves the view with the new `x`
-    /// and `width`. The view of a buffer ends when the buffer's memory is given back.
+    /// and `width`. The view of a buffer ends when the buffer's memory is given back; a new size in the same
+    /// memory leaves it where it was, which may be outside the image: bytes that are not there read as 0.
     virtual IZqImage* GetROIImage(size_t x, size_t y, size_t width, size_t height) = 0;
     /// The components of the pixel at (x, y), owned by this image and overwritten by the next call. Throws
     /// GenICam::OutOfRangeException outside the image; of a region, outside the image that it lies in.
@@ -66,13 +68,13 @@ enum _EZqMemoryInitialization_t : int32_t {
 ///
 /// Memory is kept while a new size fits into it, and given back to the allocator before a larger block is
 /// asked for: when there is none, GenICam::BadAllocException without a text is thrown and the buffer is
-/// empty. A size below 1 throws GenICam::OutOfRangeException, an unknown format GenICam::RuntimeException,
-/// and both change nothing.
+/// empty. A size below 1 throws GenICam::OutOfRangeException, an unknown format GenICam::RuntimeException, a
+/// size beyond 64 bits GenICam::BadAllocException, and all three change nothing.
 class IZqImageBuffer {
 public:
     /// SetSize with the format's own alignment, then a fill of all the memory held, or a test chart: grey
-    /// steps and ramps in Mono8 to Mono16, colour patches in the unpacked BGR and RGB formats, zeros in all
-    /// others.
+    /// steps and ramps in Mono8 to Mono16, colour patches in the unpacked BGR formats, the same drawn with
+    /// samples of twice the size, and so in stripes, in RGB8 and RGBa8, zeros in all others.
     virtual void CreateBuffer(size_t width, size_t height, EZqPixelFormatNamingConvention_t format,
                               _EZqMemoryInitialization_t initialization) = 0;
     /// Throws GenICam::RuntimeException "There is no available image." while no memory is held.

@@ -79,7 +79,9 @@ public:
     /// Throws GenICam::OutOfRangeException when `index` is not below the count.
     virtual uint64_t GetValue(size_t index) = 0;
     virtual EZqPixelComponent_t GetPixelComponent(size_t index) = 0;
-    /// Reads the pixel at column `x` and line `y` of the image.
+    /// Reads the pixel at column `x` and line `y` of the image; null stops the process. Throws
+    /// GenICam::OutOfRangeException outside the image and GenICam::RuntimeException "Not supported
+    /// pixelformat %s".
     virtual void SetPixelComponent(IZqImage* pIZqImage, size_t x, size_t y) = 0;
 
 protected:

@@ -12,9 +12,11 @@ namespace ZqApi {
 
 /// An array that owns modules: releasable `T`, handed out as plain `UT`. One thread at a time.
 ///
-/// Its destructor releases what is still registered, in order, and swallows failures. Whoever holds several
+/// Its destructor releases what is still registered, in order, and swallows failures: a module that refuses,
+/// because it runs one of its callbacks, is left to itself. Whoever holds several
 /// arrays destroys streams before devices and devices before systems. An index out of range throws
-/// GenICam::OutOfRangeException: "nIndex = 2 must be smaller than Max = 2".
+/// GenICam::OutOfRangeException: "nIndex = 2 must be smaller than Max = 2". The three instances below are all
+/// that the library has.
 template <class T, class UT>
 class CZqAutoPtrArray {
 public:
@@ -34,7 +36,8 @@ public:
     virtual UT* operator[](size_t nIndex) const;
 
 protected:
-    /// Takes out and releases the entry at index 0 until none is left.
+    /// Takes out and releases the entry at index 0 until none is left. One that refuses stays, with those
+    /// behind it, and its exception leaves.
     void ReleaseAll();
 
 private:

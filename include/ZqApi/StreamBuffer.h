@@ -67,8 +67,11 @@ public:
     /// The picture, without copying. Throws GenICam::RuntimeException "There is no available image." when the
     /// buffer holds none.
     virtual IZqImage* GetIZqImage() = 0;
-    /// The features of the buffer's chunk data. Throws GenICam::RuntimeException "Not found a node map for
-    /// chunk.".
+    /// The features of the buffer's chunk data, in a node map of the buffer's own. Their values are those of
+    /// the frame as it was handed out and last until the buffer is released; for an incomplete frame, or one
+    /// without chunks, they are not available. Node callbacks run where a frame is handed out and where the
+    /// stream starts, stops or is released, and must do none of these. Throws GenICam::RuntimeException
+    /// "Not found a node map for chunk.".
     virtual INodeMap* GetChunkINodeMap() = 0;
 
 protected:
@@ -79,8 +82,9 @@ protected:
 ///
 /// `Release` throws CZqGenTLErrorException when the producer refuses (released twice: "-1004 =
 /// DSQueueBuffer(...)"; camera lost). Release every buffer before its stream. When a start replaces the pool
-/// meanwhile (larger payload, fewer buffers) the pixels are gone: `Release` then only ends the object, and
-/// anything else asked of it stops the process.
+/// meanwhile (larger payload, fewer buffers) the pixels are gone: `Release` then only ends the object,
+/// GetIZqPort is null, the chunk features are not available, and asking for information or the image stops
+/// the process.
 class IZqStreamBufferReleasable : public IZqStreamBuffer, public IZqReleasable {
 protected:
     ~IZqStreamBufferReleasable() = default;

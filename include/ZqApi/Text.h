@@ -29,7 +29,7 @@ private:
 
 /// Creates the last directory of `path`, or with `removeLastElement` that of what stands before its last "/"
 /// (one at the very start does not count), with permissions 0775 less the umask. Missing parents are not
-/// created, and no failure is reported. Any thread.
+/// created, and no failure of the system is reported. Any thread.
 ZQAPI_API void MakePath(const gcstring& path, bool removeLastElement);
 
 } // namespace ZqApi

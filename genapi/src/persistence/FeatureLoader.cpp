@@ -17,8 +17,6 @@ using GENICAM_NAMESPACE::gcstring_vector;
 
 namespace {
 
-constexpr int kMaxPasses = 4;
-
 /// A selector and what it is to be while a value is written.
 using Setting = std::pair<INode*, gcstring>;
 
@@ -99,7 +97,8 @@ public:
         for (Line& line : m_lines)
             if (line.node && !Apply(line, line.selectsItself))
                 ++open;
-        for (int pass = 1; open > 0 && pass < kMaxPasses; ++pass) {
+        // Each pass but the last sets one line at least, so that the lines themselves bound them.
+        while (open > 0) {
             size_t left = 0;
             for (Line& line : m_lines)
                 if (line.node && !line.failure.empty() && !Apply(line, true))

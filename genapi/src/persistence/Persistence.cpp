@@ -81,8 +81,9 @@ int64_t CFeatureBag::StoreToBag(INodeMap* pNodeMap, int MaxNumPersistScriptEntri
     inside::AsOneOperation(map,
                            [&] { inside::CollectFeatures(map, MaxNumPersistScriptEntries, names, values); });
     scope.Close();
-    m_Names = names;
-    m_Values = values;
+    // Neither can fail: the lists stay of one length.
+    m_Names = std::move(names);
+    m_Values = std::move(values);
     return static_cast<int64_t>(m_Names.size());
 }
 

@@ -42,7 +42,7 @@ TEST_F(StreamChunks, EveryDeliveryOfABufferShowsItsOwnValues) {
     EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(700))), 700);
 }
 
-TEST_F(StreamChunks, StayBetweenReleaseAndTheNextHandOut) {
+TEST_F(StreamChunks, EveryBufferHasItsOwnNodeMap) {
     StartAs("U3V", 2);
     const Buffer first = RetrieveNewFrame(StampedFrame(1));
     const Buffer second = RetrieveNewFrame(StampedFrame(2));
@@ -50,6 +50,40 @@ TEST_F(StreamChunks, StayBetweenReleaseAndTheNextHandOut) {
     EXPECT_EQ(Timestamp(second), 2);
     EXPECT_NE(first->GetChunkINodeMap(), second->GetChunkINodeMap());
     EXPECT_STREQ(first->GetChunkINodeMap()->GetDeviceName().c_str(), "RemoteDevice_DEV1");
+}
+
+TEST_F(StreamChunks, StayBetweenReleaseAndTheNextHandOut) {
+    StartAs("U3V", 2);
+    EXPECT_TRUE(producer.PushFrame("DS1", StampedFrame(1)));
+    IZqStreamBufferReleasable* const released = stream->RetrieveBuffer(10000, ReturnNull);
+    released->Release();
+    GenApi::CIntegerPtr timestamp = released->GetChunkINodeMap()->GetNode("ChunkTimestamp");
+    EXPECT_EQ(timestamp->GetValue(), 1);
+}
+
+TEST_F(StreamChunks, RefusedPreparationIsTriedAgainByTheNextStartOnly) {
+    OpenAs("U3V");
+    stream->SetStreamBufferCount(1);
+    producer.Answer("GCGetPortInfo").On("REMOTE1").Command(PORT_INFO_TLTYPE).With(GC_ERR_IO);
+    Start();
+    producer.ClearLog();
+    EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(3))), -1);
+    EXPECT_EQ(producer.Log("GCGetPortInfo"), Calls{});
+    producer.AnswerAsUsual();
+    Stop();
+    Start();
+    EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(4))), 4);
+}
+
+TEST_F(StreamChunks, ChunkBehindTheFilledPartIsNoneOfThisFrame) {
+    StartAs("CXP");
+    AnswerChunkList({{TIMESTAMP, 8, 8}});
+    Frame frame = ChunkFrame(std::string(16, 'x'));
+    EXPECT_NE(Timestamp(RetrieveNewFrame(frame)), -1);
+    frame.Info<size_t>(BUFFER_INFO_SIZE_FILLED, INFO_DATATYPE_SIZET, 12);
+    EXPECT_EQ(Timestamp(RetrieveNewFrame(frame)), -1);
+    frame.Fails(BUFFER_INFO_SIZE_FILLED, GC_ERR_NOT_AVAILABLE);
+    EXPECT_NE(Timestamp(RetrieveNewFrame(frame)), -1);
 }
 
 TEST_F(StreamChunks, GigEVisionHasItsTagsBigEndian) {
@@ -148,16 +182,6 @@ TEST_F(StreamChunks, NodeMapHasTheParametersLocked) {
     EXPECT_EQ(buffer->GetChunkINodeMap()->GetNode("Width"), nullptr);
     GenApi::CIntegerPtr main = device->GetRemoteIZqPort()->GetINodeMap()->GetNode("TLParamsLock");
     EXPECT_EQ(main->GetValue(), 0);
-}
-
-TEST_F(StreamChunks, UnknownTransportLeavesTheStreamWithoutChunks) {
-    OpenAs("U3V");
-    stream->SetStreamBufferCount(1);
-    producer.Answer("GCGetPortInfo").On("REMOTE1").Command(PORT_INFO_TLTYPE).With(GC_ERR_IO);
-    Start();
-    EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(3))), -1);
-    producer.AnswerAsUsual();
-    EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(4))), 4);
 }
 
 TEST_F(StreamChunks, FailedAllocationFailsTheStart) {

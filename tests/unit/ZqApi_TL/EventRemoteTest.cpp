@@ -150,6 +150,16 @@ TEST_F(RemoteEvents, IdMayBeTheNumericOneAlone) {
     EXPECT_TRUE(arrived.Wait());
 }
 
+TEST_F(RemoteEvents, IdThatIsNoNumberGivesWayToTheNumericOne) {
+    OpenAs("U3V");
+    PushedEvent event;
+    event.id = "ExposureEnd";
+    event.value = ITEM;
+    event.numId = 0x9C40;
+    Push(event);
+    EXPECT_TRUE(arrived.Wait());
+}
+
 TEST_F(RemoteEvents, PacketMayStandInTheValue) {
     OpenAs("GEV");
     PushedEvent event;

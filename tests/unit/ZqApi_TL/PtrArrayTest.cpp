@@ -1,3 +1,5 @@
+#include <atomic>
+
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
 
 namespace ZqTest {
@@ -73,6 +75,22 @@ TEST_F(Arrays, DestructionReleasesInOrderAndSwallowsFailures) {
         producer.ClearLog();
     }
     EXPECT_EQ(producer.Log("DSClose"), (Calls{"DSClose(DS1)", "DSClose(DS2)"}));
+}
+
+TEST_F(Arrays, StreamThatRefusesItsReleaseStaysInTheArray) {
+    Start();
+    std::atomic<bool> refused{false};
+    void* const handle = streams[0]->RegisterCallback(MakeCallback([&](IZqCallbackParamBase*) {
+        try {
+            streams.Release();
+        } catch (const GenICam::LogicalErrorException&) {
+            refused = true;
+        }
+    }));
+    EXPECT_TRUE(producer.PushFrame("DS1", Frame("pixels")));
+    EXPECT_TRUE(Eventually([&] { return refused.load(); }));
+    EXPECT_EQ(streams.GetSize(), 2u);
+    streams[0]->DeregisterCallback(handle);
 }
 
 TEST_F(Arrays, ReleaseLeavesAnEmptyArray) {

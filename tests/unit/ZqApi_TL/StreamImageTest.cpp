@@ -71,6 +71,25 @@ TEST_F(StreamImage, DeliveredHeightCountsUnlessItIsZeroOrUnknown) {
               0u);
 }
 
+TEST_F(StreamImage, ClaimsBeyondItsMemoryReadAsZero) {
+    Frame huge(std::string(4096, 'x'));
+    Size(Size(huge, BUFFER_INFO_WIDTH, 4096), BUFFER_INFO_HEIGHT, 4096);
+    Size(huge, BUFFER_INFO_DELIVERED_IMAGEHEIGHT, 4096);
+    Size(huge, BUFFER_INFO_IMAGEOFFSET, 96);
+    IZqImage* const image = Image(huge);
+    EXPECT_EQ(image->GetIZqPixelComponentValue(3999, 0)->GetValue(0), uint64_t{'x'});
+    EXPECT_EQ(image->GetIZqPixelComponentValue(4000, 0)->GetValue(0), 0u);
+    EXPECT_EQ(image->GetIZqPixelComponentValue(4095, 4095)->GetValue(0), 0u);
+    const std::unique_ptr<IZqImageBufferReleasable, Releaser> copy(CreateIZqImageBuffer(nullptr));
+    copy->CopyImage(image);
+    EXPECT_EQ(copy->GetIZqImage()->GetIZqPixelComponentValue(3999, 0)->GetValue(0), uint64_t{'x'});
+    EXPECT_EQ(copy->GetIZqImage()->GetIZqPixelComponentValue(4000, 0)->GetValue(0), 0u);
+    copy->CopyImage(image->GetROIImage(0, 4000, 4096, 96));
+    EXPECT_EQ(copy->GetIZqImage()->GetIZqPixelComponentValue(4095, 95)->GetValue(0), 0u);
+    Size(huge, BUFFER_INFO_IMAGEOFFSET, SIZE_MAX);
+    EXPECT_EQ(Image(huge)->GetIZqPixelComponentValue(0, 0)->GetValue(0), 0u);
+}
+
 TEST_F(StreamImage, LinePitchIsWholeBytesAndPadding) {
     Frame packed = Format(ZqPixelFormat_Mono12p, PIXELFORMAT_NAMESPACE_PFNC_32BIT);
     Size(packed, BUFFER_INFO_WIDTH, 3);

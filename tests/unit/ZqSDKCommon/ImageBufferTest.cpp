@@ -371,6 +371,28 @@ TEST_F(CopyImage, ItselfAndItsOwnRegions) {
             EXPECT_EQ(Bytes()[line * 8 + byte], PatternAt((line + 1) * 9 + 3 + byte));
 }
 
+TEST_F(CopyImage, StaleRegionsReadAsZeroBeyondTheirMemory) {
+    const ImageBuffer source = Source(ZqPixelFormat_Mono8, 64, 48, 1);
+    IZqImage* const outer = source->GetIZqImage()->GetROIImage(0, 0, 10, 10);
+    IZqImage* const inner = outer->GetROIImage(5, 5, 5, 5);
+    source->GetIZqImage()->GetROIImage(59, 43, 5, 5);
+    buffer->CopyImage(inner);
+    for (size_t line = 0; line < 5; ++line)
+        for (size_t byte = 0; byte < 5; ++byte)
+            EXPECT_EQ(Bytes()[line * 8 + byte], 0);
+}
+
+TEST_F(CopyImage, RegionThatAnInPlaceResizeLeftBehindReadsAsZero) {
+    buffer = Source(ZqPixelFormat_Mono8, 10, 100, 1);
+    IZqImage* const view = Image().GetROIImage(0, 99, 10, 1);
+    buffer->SetSize(100, 10, ZqPixelFormat_Mono8, 1);
+    // Of itself, and into more memory than there is: neither pulls the view from under the copy.
+    buffer->CopyImage(view);
+    EXPECT_EQ(Geometry(), "10x1 pitch 12 format 01080001");
+    for (size_t byte = 0; byte < 10; ++byte)
+        EXPECT_EQ(Bytes()[byte], 0);
+}
+
 TEST_F(CopyImage, EmptySourceIsRefusedByItsSize) {
     const ImageBuffer source = MakeImageBuffer();
     EXPECT_EQ(Catch<GenICam::OutOfRangeException>([&] {
