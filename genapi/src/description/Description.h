@@ -18,6 +18,12 @@ constexpr NodeIndex kNoNode = 0xFFFFFFFF;
 
 enum class NodeType : uint8_t {
     Other, ///< known to have a name, but without behaviour here
+    Plain, ///< a name and what all nodes have
+    ConfRom,
+    TextDesc,
+    IntKey,
+    AdvFeatureLock,
+    SmartFeature,
     Category,
     Integer,
     IntReg,

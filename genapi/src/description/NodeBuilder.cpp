@@ -15,6 +15,13 @@ struct TagType {
 };
 
 constexpr TagType kTags[] = {
+    {ElementName::Node, NodeType::Plain},
+    {ElementName::ConfRom, NodeType::ConfRom},
+    {ElementName::TextDesc, NodeType::TextDesc},
+    {ElementName::IntKey, NodeType::IntKey},
+    {ElementName::AdvFeatureLock, NodeType::AdvFeatureLock},
+    {ElementName::DcamLock, NodeType::AdvFeatureLock},
+    {ElementName::SmartFeature, NodeType::SmartFeature},
     {ElementName::Category, NodeType::Category},
     {ElementName::Integer, NodeType::Integer},
     {ElementName::IntReg, NodeType::IntReg},
@@ -65,9 +72,6 @@ void NodeBuilder::Build(NodeIndex index) {
     try {
         BuildCommon();
         BuildByType();
-        if (m_node->type == NodeType::Other)
-            throw Unbuildable("nodes of type " + std::string(m_description.document.NameOf(m_source->tag)) +
-                              " are not implemented");
     } catch (const Unbuildable& reason) {
         m_arena.KeepText(m_node->error, reason.what());
     }
@@ -215,8 +219,17 @@ void NodeBuilder::BuildByType() {
     case NodeType::Category:
         BuildCategory();
         break;
-    case NodeType::Other:
+    case NodeType::Plain:
         break;
+    // What only IEEE 1394 cameras have keeps its interface, so that what refers to it can be built.
+    case NodeType::ConfRom:
+    case NodeType::TextDesc:
+    case NodeType::IntKey:
+    case NodeType::AdvFeatureLock:
+    case NodeType::SmartFeature:
+    case NodeType::Other:
+        throw Unbuildable("nodes of type " + std::string(m_description.document.NameOf(m_source->tag)) +
+                          " are not implemented");
     }
 }
 

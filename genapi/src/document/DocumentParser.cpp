@@ -163,6 +163,10 @@ private:
         case ElementName::EnumEntry:
             AddReference(name, LiftEntry(child, node.name));
             return;
+        case ElementName::TextDesc:
+        case ElementName::IntKey:
+            LiftKey(child, name, node.name);
+            return;
         case ElementName::IntSwissKnife:
         case ElementName::SwissKnife:
             AddReference(ElementName::pAddress, LiftFormula(child, name, node.name));
@@ -231,6 +235,14 @@ private:
         ReadElements(element, formula);
         AddFrom(begin, formula);
         return formula.name;
+    }
+
+    // An entry of a configuration ROM knows the ROM and its key there.
+    void LiftKey(const pugi::xml_node& element, ElementName tag, std::string_view rom) {
+        const size_t begin = m_elements.size();
+        m_elements.push_back({ElementName::p1212Parser, AttributeName::None, rom, {}});
+        m_elements.push_back({ElementName::Key, AttributeName::None, Trim(TextOf(element)), {}});
+        AddFrom(begin, Named(element, tag));
     }
 
     // Every entry becomes a masked register of its own. What it does not say itself it takes from the

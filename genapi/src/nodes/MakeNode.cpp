@@ -20,6 +20,9 @@ std::unique_ptr<NodeBase> MakeNode(NodeMapImpl& map, NodeIndex index) {
     case NodeType::Integer:
     case NodeType::IntSwissKnife:
     case NodeType::IntConverter:
+    case NodeType::IntKey:
+    case NodeType::AdvFeatureLock:
+    case NodeType::SmartFeature:
         return std::make_unique<IntegerNode>(map, index);
     case NodeType::IntReg:
     case NodeType::MaskedIntReg:
@@ -39,13 +42,16 @@ std::unique_ptr<NodeBase> MakeNode(NodeMapImpl& map, NodeIndex index) {
     case NodeType::EnumEntry:
         return std::make_unique<EnumEntryNode>(map, index);
     case NodeType::String:
+    case NodeType::TextDesc:
         return std::make_unique<StringNode>(map, index);
     case NodeType::StringReg:
         return std::make_unique<WithRegister<StringNode>>(map, index);
     case NodeType::Register:
+    case NodeType::ConfRom:
         return std::make_unique<RegisterNode>(map, index);
     case NodeType::Port:
         return std::make_unique<PortNode>(map, index);
+    case NodeType::Plain:
     case NodeType::Other:
         break;
     }

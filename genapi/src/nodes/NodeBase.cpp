@@ -34,6 +34,9 @@ EInterfaceType InterfaceOf(NodeType type) {
     case NodeType::MaskedIntReg:
     case NodeType::IntSwissKnife:
     case NodeType::IntConverter:
+    case NodeType::IntKey:
+    case NodeType::AdvFeatureLock:
+    case NodeType::SmartFeature:
         return intfIInteger;
     case NodeType::Float:
     case NodeType::FloatReg:
@@ -50,11 +53,14 @@ EInterfaceType InterfaceOf(NodeType type) {
         return intfIEnumEntry;
     case NodeType::String:
     case NodeType::StringReg:
+    case NodeType::TextDesc:
         return intfIString;
     case NodeType::Register:
+    case NodeType::ConfRom:
         return intfIRegister;
     case NodeType::Port:
         return intfIPort;
+    case NodeType::Plain:
     case NodeType::Other:
         break;
     }

@@ -184,6 +184,37 @@ TEST(Factory, BadNodeIsLeftOutAndSaysWhy) {
     EXPECT_TRUE(value == "a Length of 9 is impossible");
 }
 
+TEST(Factory, NodesOfOldBusesAreKnownButNotImplemented) {
+    Camera camera(
+        "<ConfRom Name=\"Rom\"><Unit>1</Unit><Address>0</Address><Length>16</Length><pPort>Device</pPort>"
+        "<TextDesc Name=\"Maker\">0x81</TextDesc><IntKey Name=\"Serial\"> 12 </IntKey></ConfRom>"
+        "<AdvFeatureLock Name=\"Lock\"><FeatureID>0x1</FeatureID></AdvFeatureLock>"
+        "<SmartFeature Name=\"Smart\"><FeatureID>x</FeatureID></SmartFeature>" +
+        ::Node("String", "MakerText", "<pValue>Maker</pValue>") +
+        ::Node("Node", "Plain", "<ToolTip>t</ToolTip>"));
+    for (const char* name : {"Rom", "Maker", "Serial", "Lock", "Smart", "MakerText"})
+        EXPECT_EQ(camera.Mode(name), NI) << name;
+    EXPECT_EQ(camera.Node("Rom")->GetPrincipalInterfaceType(), intfIRegister);
+    EXPECT_TRUE(camera.String("Maker").IsValid());
+    EXPECT_TRUE(camera.Int("Serial").IsValid() && camera.Int("Lock").IsValid() &&
+                camera.Int("Smart").IsValid());
+    gcstring value;
+    gcstring attribute;
+    EXPECT_TRUE(camera.Node("Serial")->GetProperty("Key", value, attribute));
+    EXPECT_STREQ(value.c_str(), "12");
+    EXPECT_TRUE(camera.Node("Maker")->GetProperty("p1212Parser", value, attribute));
+    EXPECT_STREQ(value.c_str(), "Rom");
+    EXPECT_EQ(
+        Failure<AccessException>([&] { camera.Int("Serial")->GetValue(); }),
+        "Node 'Serial' is not readable: it could not be built: nodes of type IntKey are not implemented "
+        "(access mode NI).");
+    EXPECT_THROW(camera.String("Maker")->GetValue(), AccessException);
+    EXPECT_THROW(camera.Value("Rom")->ToString(), AccessException);
+    EXPECT_THROW(camera.Int("Lock")->SetValue(1), AccessException);
+    EXPECT_EQ(camera.Mode("Plain"), RO);
+    EXPECT_STREQ(camera.Node("Plain")->GetToolTip().c_str(), "t");
+}
+
 TEST(Factory, FirstOfTwoEqualNamesStaysAndExtensionsAreSkipped) {
     Camera camera(
         ::Node("Integer", "A",
