@@ -77,6 +77,7 @@ public:
     const List<int64_t>& ValidValues(NodeIndex node) const;
     /// OutOfRangeException when the value lies outside the limits.
     void CheckRange(NodeIndex node, int64_t value);
+    void CheckRange(NodeIndex node, int64_t value, int64_t min, int64_t max);
     /// Also against increment and list.
     void CheckInteger(NodeIndex node, int64_t value);
     void CheckFloat(NodeIndex node, double value);
@@ -212,7 +213,9 @@ private:
 
     void Drop(NodeIndex node);
     void MarkChanged(NodeIndex node);
-    void Spread(const std::vector<NodeIndex>& from);
+    void Spread(const NodeIndex* from, size_t count);
+    void Spread(NodeIndex from) { Spread(&from, 1); }
+    void Spread(const std::vector<NodeIndex>& from) { Spread(from.data(), from.size()); }
     bool IsPollingDue(size_t which, int64_t elapsed);
 
     std::shared_ptr<const Description> m_description;

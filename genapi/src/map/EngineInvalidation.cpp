@@ -23,16 +23,16 @@ void Engine::MarkChanged(NodeIndex node) {
 }
 
 // The nodes it starts from are left as they are: whoever wrote one knows what it holds now.
-void Engine::Spread(const std::vector<NodeIndex>& from) {
+void Engine::Spread(const NodeIndex* from, size_t count) {
     if (++m_visit == 0) {
         for (NodeState& state : m_states)
             state.visit = 0;
         m_visit = 1;
     }
     m_open.clear();
-    for (const NodeIndex node : from) {
-        m_states[node].visit = m_visit;
-        m_open.push_back(node);
+    for (size_t i = 0; i < count; ++i) {
+        m_states[from[i]].visit = m_visit;
+        m_open.push_back(from[i]);
     }
     while (!m_open.empty()) {
         const NodeIndex node = m_open.back();
@@ -53,7 +53,7 @@ void Engine::Spread(const std::vector<NodeIndex>& from) {
 void Engine::Changed(NodeIndex node) {
     m_states[node].modeKept = false;
     MarkChanged(node);
-    Spread({node});
+    Spread(node);
 }
 
 void Engine::Invalidate(NodeIndex node) {

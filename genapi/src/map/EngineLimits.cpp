@@ -238,8 +238,10 @@ const List<int64_t>& Engine::ValidValues(NodeIndex node) const {
 }
 
 void Engine::CheckRange(NodeIndex node, int64_t value) {
-    const int64_t min = Min(node).AsInteger();
-    const int64_t max = Max(node).AsInteger();
+    CheckRange(node, value, Min(node).AsInteger(), Max(node).AsInteger());
+}
+
+void Engine::CheckRange(NodeIndex node, int64_t value, int64_t min, int64_t max) {
     if (value < min || value > max)
         throw OUT_OF_RANGE_EXCEPTION(
             "Value %lld of '%s' must be %s %lld (min %lld, max %lld, inc %lld).",
@@ -249,9 +251,9 @@ void Engine::CheckRange(NodeIndex node, int64_t value) {
 }
 
 void Engine::CheckInteger(NodeIndex node, int64_t value) {
-    CheckRange(node, value);
     const int64_t min = Min(node).AsInteger();
     const int64_t max = Max(node).AsInteger();
+    CheckRange(node, value, min, max);
     const int64_t inc = Increment(node);
     // Without a limit below, multiples count from 0.
     const uint64_t first = min == kLowestInteger ? 0 : static_cast<uint64_t>(min);

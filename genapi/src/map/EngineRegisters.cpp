@@ -126,7 +126,7 @@ int64_t Engine::ReadIntegerRegister(NodeIndex node) {
     KeepRegister(node, place);
     if (others) {
         MarkChanged(node);
-        Spread({node});
+        Spread(node);
     }
     return value;
 }
@@ -144,7 +144,7 @@ double Engine::ReadFloatRegister(NodeIndex node) {
     KeepRegister(node, place);
     if (others) {
         MarkChanged(node);
-        Spread({node});
+        Spread(node);
     }
     return value;
 }
@@ -165,7 +165,7 @@ std::string Engine::ReadRegisterBytes(NodeIndex node) {
     KeepRegister(node, place);
     if (others) {
         MarkChanged(node);
-        Spread({node});
+        Spread(node);
     }
     return bytes;
 }
