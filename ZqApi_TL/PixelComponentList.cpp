@@ -17,7 +17,7 @@ void PixelComponentList::Replace(const PixelComponents& pixel) {
 }
 
 uint64_t PixelComponentList::BeginReplacing() {
-    for (;; Wait()) {
+    for (Patience patience;; patience.Wait()) {
         uint64_t sequence = m_Sequence.load(std::memory_order_relaxed);
         if (sequence % 2 == 0 &&
             m_Sequence.compare_exchange_weak(sequence, sequence + 1, std::memory_order_acquire))
@@ -25,9 +25,7 @@ uint64_t PixelComponentList::BeginReplacing() {
     }
 }
 
-// Sleeping instead of spinning: a thread of real-time priority might otherwise keep the replacing one from
-// its end for ever.
-void PixelComponentList::Wait() {
+void PixelComponentList::Patience::Sleep() {
     std::this_thread::sleep_for(std::chrono::microseconds(1));
 }
 

@@ -40,7 +40,7 @@ public:
 
     /// Returns the count; stores the entry where `index` is below it.
     size_t GetEntry(size_t index, SPIXE_COMPONENT_INFO& info) const {
-        for (;; Wait()) {
+        for (Patience patience;; patience.Wait()) {
             const uint64_t before = m_Sequence.load(std::memory_order_acquire);
             const size_t count = m_Count.load(std::memory_order_acquire);
             const Entry& entry = m_Entries[index < count ? index : 0];
@@ -59,8 +59,22 @@ private:
         std::atomic<uint64_t> value{0};
     };
 
+    /// Sleeps when trying again has not helped: a thread of real-time priority might otherwise keep the
+    /// replacing one from its end for ever.
+    class Patience {
+    public:
+        void Wait() {
+            if (++m_Tries > 100)
+                Sleep();
+        }
+
+    private:
+        static void Sleep();
+
+        int m_Tries = 0;
+    };
+
     uint64_t BeginReplacing();
-    static void Wait();
 
     std::atomic<uint64_t> m_Sequence{0};
     std::atomic<size_t> m_Count{0};

@@ -227,8 +227,8 @@ bool MakeChartBGR(IZqImage& image, size_t capacity, _EZqMemoryInitialization_t i
     const Canvas canvas(image, capacity);
     const ColourPlan plan(canvas);
     const std::vector<Patch<Sample>> patches = PatchesOf<Sample>(canvas.Shift(), rgbOrder);
-    // From top to bottom: samples wider than the format's run into the lines below, which are drawn over
-    // them.
+    // From top to bottom: samples wider than the format's run into the line below, which is drawn over them.
+    // The last line of all is below the patches.
     canvas.Clear(0, plan.top);
     size_t line = plan.top;
     for (size_t row = 0; row < PATCH_ROWS; ++row) {

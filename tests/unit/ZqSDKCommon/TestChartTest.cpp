@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "ZqApi_TL/PixelFormatTable.h"
+#include "ZqSDKCommon/TestChart.h"
 #include "ZqSDKCommon/ZqImageBuffer.h"
 #include "tests/support/AllocationFailure.h"
 #include "tests/support/ImageBuffers.h"
@@ -234,6 +235,38 @@ private:
     static constexpr ptrdiff_t GUARD = 256;
     std::vector<uint8_t> m_Memory;
 };
+
+/// Draws into less memory than the image takes: up to there it is the whole picture, and nothing is behind.
+void ExpectCutChart(EZqPixelFormatNamingConvention_t format,
+                    bool (*draw)(IZqImage&, size_t, _EZqMemoryInitialization_t)) {
+    const ImageBuffer buffer = MakeImageBuffer();
+    buffer->CreateBuffer(23, 12, format, ZqMemoryInitialization_FFFill);
+    IZqImage& image = *buffer->GetIZqImage();
+    uint8_t* const bytes = BytesOf(image);
+    const size_t size = SizeOf(image);
+    draw(image, size, TEST_CHART);
+    const std::vector<uint8_t> whole(bytes, bytes + size);
+    for (size_t capacity = 0; capacity < size; ++capacity) {
+        std::fill_n(bytes, size, uint8_t{0xFF});
+        ASSERT_TRUE(draw(image, capacity, TEST_CHART));
+        // A sample that does not fit as a whole is left out.
+        const size_t drawn = capacity - std::min<size_t>(capacity, 1);
+        ASSERT_TRUE(std::equal(bytes, bytes + drawn, whole.begin())) << capacity;
+        ASSERT_TRUE(std::all_of(bytes + capacity, bytes + size, [](uint8_t byte) { return byte == 0xFF; }))
+            << capacity;
+    }
+}
+
+TEST_F(Chart, StopsAtTheEndOfTheMemory) {
+    ExpectCutChart(ZqPixelFormat_Mono8, MakeChartMono<uint8_t>);
+    ExpectCutChart(ZqPixelFormat_Mono14, MakeChartMono<uint16_t>);
+    ExpectCutChart(ZqPixelFormat_BGR8, [](IZqImage& image, size_t capacity, auto initialization) {
+        return MakeChartBGR<uint8_t>(image, capacity, initialization, false);
+    });
+    ExpectCutChart(ZqPixelFormat_BGRa16, [](IZqImage& image, size_t capacity, auto initialization) {
+        return MakeChartBGR<uint16_t>(image, capacity, initialization, false);
+    });
+}
 
 #ifdef ZQAPI_SANITIZED
 constexpr size_t SMALL_STEP = 9;
