@@ -240,6 +240,18 @@ TEST_F(PixelComponentReader, RegionCoordinatesAreNotCheckedAgainstTheRegion) {
               "size_t x = 4 must be smaller than Max = 4");
 }
 
+TEST_F(PixelComponentReader, RegionsMemoryEndsWithItsRoots) {
+    // More memory than the picture takes, so that bytes behind it show.
+    buffer->CreateBuffer(100, 1, ZqPixelFormat_Mono8, ZqMemoryInitialization_FFFill);
+    buffer->SetSize(6, 2, ZqPixelFormat_YCbCr8, 1);
+    IZqImage& region = *buffer->GetIZqImage()->GetROIImage(1, 0, 5, 2);
+    value->SetPixelComponent(&region, 4, 0);
+    EXPECT_EQ(Text(*value), "Y8=255 Cb8=255 Cr8=255");
+    // Its group of bytes begins one byte behind the last line.
+    value->SetPixelComponent(&region, 4, 1);
+    EXPECT_EQ(Text(*value), "Y8=0 Cb8=0 Cr8=0");
+}
+
 // Every pixel of every format in memory of exactly the image's size, pitches tight and padded, odd sizes too.
 TEST(PixelComponentFormats, EveryPixelIsWhereItsFormatsNameSays) {
     const Library library;
