@@ -131,7 +131,7 @@ std::vector<ChunkPlace> BufferModule::Chunks(const FrameInfo& frame) const {
     RequireChunks(frame);
     if (m_model.technology == Technology::CoaXPress) {
         const ChunkLayout layout(m_model.technology, frame.chunkMask, frame.imageSize);
-        if (layout.PayloadSize() != frame.sizeFilled)
+        if (frame.chunksBroken || layout.PayloadSize() != frame.sizeFilled)
             throw Failure(GenTL::GC_ERR_PARSING_CHUNK_DATA, "the chunk data is not complete");
         return layout.Places();
     }

@@ -35,6 +35,7 @@ struct FrameInfo {
     size_t sizeFilled = 0;
     bool imagePresent = false;
     bool hasChunks = false;
+    bool chunksBroken = false;
     ChunkMask chunkMask = 0;
     uint32_t chunkLayoutId = 0;
     size_t imageSize = 0;

@@ -16,8 +16,8 @@ const CameraModel& ModelOf(const DeviceModule& device) {
     return device.Device().camera.Model();
 }
 
-Value OfText(const char* text) {
-    return Value(std::string(text));
+Value OfText(const std::string& text) {
+    return Value(text);
 }
 
 /// A selector with one entry.
@@ -61,8 +61,8 @@ constexpr RegisterRow<DeviceModule> commonRows[] = {
 };
 
 constexpr RegisterRow<DeviceModule> gevRows[] = {
-    {0x0700, 8, Integer, [](const DeviceModule&) { return Value(simulatedMacAddress + 1); }, nullptr},
-    {0x0708, 4, Integer, [](const DeviceModule&) { return Value(simulatedDeviceIp); }, nullptr},
+    {0x0700, 8, Integer, [](const DeviceModule& d) { return Value(DeviceMacAddress(ModelOf(d))); }, nullptr},
+    {0x0708, 4, Integer, [](const DeviceModule& d) { return Value(DeviceIp(ModelOf(d))); }, nullptr},
     {0x070C, 4, Integer, [](const DeviceModule&) { return Value(simulatedSubnetMask); }, nullptr},
     {0x0710, 4, Integer, [](const DeviceModule&) { return Value(int64_t{0}); }, nullptr},
     // The registers of the simulated camera are big endian by either mechanism.
@@ -128,8 +128,7 @@ void DeviceModule::OnCameraLost() {
     m_streams.ForEach([](StreamModule& stream) { stream.Engine().Lose(); });
     if (m_notifyLoss)
         Fire(EventData::Module(deviceLostEvent, LossData(static_cast<uint64_t>(SteadyNow()))));
-    Fire(EventData::Error(GenTL::GC_ERR_IO,
-                          "the camera " + std::string(ModelOf(*this).serialNumber) + " is lost"));
+    Fire(EventData::Error(GenTL::GC_ERR_IO, "the camera " + ModelOf(*this).serialNumber + " is lost"));
 }
 
 void DeviceModule::OnCameraEvent(const CameraEvent& event) {

@@ -66,16 +66,25 @@ FrameInfo DescribeFrame(const FrameTicket& ticket, uint64_t timestampNs) {
 }
 
 void WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
+    const FramePlan& plan = ticket.plan;
+    const FrameFaults& faults = plan.faults;
+    const bool half = faults.Interrupts(ticket.frameId);
     FrameInfo frame = DescribeFrame(ticket, timestampNs);
-    frame.sizeFilled = std::min(buffer.Size(), ticket.plan.payloadSize);
-    frame.largerThanBuffer = frame.sizeFilled < ticket.plan.payloadSize;
-    frame.incomplete = frame.largerThanBuffer;
+    frame.sizeFilled = std::min(buffer.Size(), half ? plan.payloadSize / 2 : plan.payloadSize);
+    frame.largerThanBuffer = buffer.Size() < plan.payloadSize || faults.Outgrows(ticket.frameId);
+    frame.incomplete = frame.largerThanBuffer || half;
     frame.deliveredHeight =
         std::min<uint64_t>(frame.height, frame.sizeFilled * frame.height / frame.imageSize);
-    if (frame.largerThanBuffer)
+    if (frame.sizeFilled < plan.payloadSize)
         WriteCutOff(painter, ticket, timestampNs, buffer.Base(), frame.sizeFilled);
     else
         WritePayload(painter, ticket, timestampNs, buffer.Base());
+    if (frame.hasChunks && faults.BreaksChunks(ticket.frameId)) {
+        frame.chunksBroken = true;
+        // The last tag ends with its length, in either byte order.
+        if (frame.sizeFilled >= 4)
+            std::memset(buffer.Base() + frame.sizeFilled - 4, 0xFF, 4);
+    }
     buffer.SetFrame(frame);
 }
 

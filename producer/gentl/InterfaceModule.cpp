@@ -10,13 +10,19 @@ using Value = RegisterValue;
 constexpr RegisterKind Integer = RegisterKind::Integer;
 constexpr RegisterKind Text = RegisterKind::Text;
 
-Value SelectedText(const InterfaceModule& interface, const char* CameraModel::*text) {
+template <class Text>
+Value SelectedText(const InterfaceModule& interface, Text CameraModel::*text) {
     const SimulatedDevice* device = interface.Selected();
     return Value(device == nullptr ? std::string() : std::string(device->camera.Model().*text));
 }
 
 Value Selected(const InterfaceModule& interface, int64_t value) {
     return Value(interface.Selected() == nullptr ? 0 : value);
+}
+
+Value SelectedAddress(const InterfaceModule& interface, int64_t (*address)(const CameraModel&)) {
+    const SimulatedDevice* device = interface.Selected();
+    return Value(device == nullptr ? 0 : address(device->camera.Model()));
 }
 
 constexpr RegisterRow<InterfaceModule> commonRows[] = {
@@ -31,12 +37,13 @@ constexpr RegisterRow<InterfaceModule> commonRows[] = {
     // A command that is done as soon as it is written, so it always reads as done.
     {0x0400, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{0}); },
      [](InterfaceModule& interface, const Value&) { interface.UpdateList(); }},
-    // With one device there is nothing to select but the first.
-    {0x0410, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{0}); },
-     [](InterfaceModule&, const Value& value) {
-         if (std::get<int64_t>(value) != 0)
-             throw Failure(GenTL::GC_ERR_INVALID_VALUE, "DeviceSelector can only be 0");
-     }},
+    {0x0410, 4, Integer, [](const InterfaceModule& i) { return Value(static_cast<int64_t>(i.Selector())); },
+     [](InterfaceModule& interface, const Value& value) { interface.Select(std::get<int64_t>(value)); }},
+    {0x0414, 4, Integer,
+     [](const InterfaceModule& i) {
+         return Value(static_cast<int64_t>(i.ListedCount() == 0 ? 0 : i.ListedCount() - 1));
+     },
+     nullptr},
     {0x0500, 64, Text, [](const InterfaceModule& i) { return SelectedText(i, &CameraModel::deviceId); },
      nullptr},
     {0x0540, 64, Text,
@@ -63,16 +70,16 @@ constexpr RegisterRow<InterfaceModule> gevRows[] = {
     {0x0708, 4, Integer, [](const InterfaceModule&) { return Value(simulatedInterfaceIp); }, nullptr},
     {0x070C, 4, Integer, [](const InterfaceModule&) { return Value(simulatedSubnetMask); }, nullptr},
     {0x0710, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{0}); }, nullptr},
-    {0x0718, 8, Integer, [](const InterfaceModule& i) { return Selected(i, simulatedMacAddress + 1); },
+    {0x0718, 8, Integer, [](const InterfaceModule& i) { return SelectedAddress(i, DeviceMacAddress); },
      nullptr},
-    {0x0720, 4, Integer, [](const InterfaceModule& i) { return Selected(i, simulatedDeviceIp); }, nullptr},
+    {0x0720, 4, Integer, [](const InterfaceModule& i) { return SelectedAddress(i, DeviceIp); }, nullptr},
     {0x0724, 4, Integer, [](const InterfaceModule& i) { return Selected(i, simulatedSubnetMask); }, nullptr},
 };
 
 } // namespace
 
-InterfaceModule::InterfaceModule(std::shared_ptr<SystemModule> parent, SimulatedDevice& device)
-    : Module(kind), m_parent(std::move(parent)), m_device(device),
+InterfaceModule::InterfaceModule(std::shared_ptr<SystemModule> parent, SimulatedInterface& bus)
+    : Module(kind), m_parent(std::move(parent)), m_bus(bus),
       m_port({Model().interfaceId, Model().interfaceName, Model().tlType, "TLInterface", ZQGENTL_VERSION,
               "InterfacePort", false, true},
              m_registers, *Model().interfaceDescription) {
@@ -81,42 +88,63 @@ InterfaceModule::InterfaceModule(std::shared_ptr<SystemModule> parent, Simulated
         m_registers.Bind(*this, gevRows);
     const Description& description = *Model().interfaceDescription;
     m_registers.AddMemory(descriptionAddress, description.data, description.size);
+    m_bus.SetListener(this);
 }
 
 const SimulatedDevice& InterfaceModule::Listed(uint32_t index) const {
-    if (index >= ListedCount())
+    const std::optional<size_t> listed = m_list.At(index);
+    if (!listed.has_value())
         throw Failure(GenTL::GC_ERR_INVALID_INDEX,
                       "device " + std::to_string(index) + " of " + std::to_string(ListedCount()));
-    return m_device;
+    return m_bus.DeviceAt(*listed);
 }
 
-void InterfaceModule::RequireId(const std::string& id) const {
-    if (id != Model().deviceId)
-        throw Failure(GenTL::GC_ERR_INVALID_ID,
-                      std::string("there is no device '") + id + "' on " + Model().interfaceId);
+SimulatedDevice& InterfaceModule::Find(const std::string& id) const {
+    for (size_t i = 0; i < m_bus.DeviceCount(); ++i) {
+        if (id == m_bus.DeviceAt(i).camera.Model().deviceId)
+            return m_bus.DeviceAt(i);
+    }
+    throw Failure(GenTL::GC_ERR_INVALID_ID,
+                  std::string("there is no device '") + id + "' on " + Model().interfaceId);
 }
 
 const SimulatedDevice& InterfaceModule::WithId(const std::string& id) const {
-    RequireId(id);
-    return m_device;
+    return Find(id);
 }
 
 void* InterfaceModule::OpenDevice(const std::string& id, GenTL::DEVICE_ACCESS_FLAGS access) {
-    RequireId(id);
+    SimulatedDevice& device = Find(id);
     if (access < GenTL::DEVICE_ACCESS_READONLY || access > GenTL::DEVICE_ACCESS_EXCLUSIVE)
         throw Failure(GenTL::GC_ERR_INVALID_PARAMETER,
                       "access " + std::to_string(access) + " is not read only, control or exclusive");
-    return m_devices.Open(
-        id, [&] { return std::make_shared<DeviceModule>(shared_from_this(), m_device, access); });
+    return m_devices.Open(id, [&] {
+        if (m_bus.Away() || device.camera.Away())
+            throw Failure(GenTL::GC_ERR_IO, "the device '" + id + "' is gone");
+        return std::make_shared<DeviceModule>(shared_from_this(), device, access);
+    });
 }
 
-const SimulatedDevice* InterfaceModule::Selected() const noexcept {
-    return ListedCount() > 0 ? &m_device : nullptr;
+const SimulatedDevice* InterfaceModule::Selected() const {
+    const std::optional<size_t> listed = m_list.At(m_selector);
+    return listed.has_value() ? &m_bus.DeviceAt(*listed) : nullptr;
+}
+
+void InterfaceModule::Select(int64_t index) {
+    if (index < 0 || static_cast<uint64_t>(index) >= ListedCount())
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "there is no device " + std::to_string(index));
+    m_selector = static_cast<size_t>(index);
+}
+
+void InterfaceModule::OnInterfaceLost() {
+    Fire(
+        EventData::Error(GenTL::GC_ERR_IO, std::string("the interface ") + Model().interfaceId + " is gone"));
 }
 
 void InterfaceModule::Close() {
     m_devices.CloseAll();
+    m_bus.SetListener(nullptr);
     UnregisterEvents();
+    m_bus.Release();
     m_parent->Forget(*this);
 }
 

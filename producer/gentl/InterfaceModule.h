@@ -5,6 +5,7 @@
 #include "producer/gentl/ListState.h"
 #include "producer/gentl/OpenChildren.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -12,18 +13,20 @@ namespace zqgentl {
 
 class SystemModule;
 
-/// An open interface with its one simulated device.
-class InterfaceModule final : public Module, public std::enable_shared_from_this<InterfaceModule> {
+/// An open interface with its simulated devices.
+class InterfaceModule final : public Module,
+                              public InterfaceListener,
+                              public std::enable_shared_from_this<InterfaceModule> {
 public:
     static constexpr Kind kind = Kind::Interface;
 
-    InterfaceModule(std::shared_ptr<SystemModule> parent, SimulatedDevice& device);
+    InterfaceModule(std::shared_ptr<SystemModule> parent, SimulatedInterface& bus);
 
     [[nodiscard]] SystemModule& Parent() const noexcept { return *m_parent; }
-    [[nodiscard]] const CameraModel& Model() const noexcept { return m_device.camera.Model(); }
+    [[nodiscard]] const BusModel& Model() const noexcept { return m_bus.Model(); }
 
-    bool UpdateList() noexcept { return m_list.Update(); }
-    [[nodiscard]] size_t ListedCount() const noexcept { return m_list.Count(); }
+    bool UpdateList() { return m_list.Update(m_bus.PresentDevices()); }
+    [[nodiscard]] size_t ListedCount() const { return m_list.Count(); }
     [[nodiscard]] const SimulatedDevice& Listed(uint32_t index) const;
     [[nodiscard]] const SimulatedDevice& WithId(const std::string& id) const;
     [[nodiscard]] void* OpenDevice(const std::string& id, GenTL::DEVICE_ACCESS_FLAGS access);
@@ -32,14 +35,18 @@ public:
 
     [[nodiscard]] const Port& ModulePort() const override { return m_port; }
     /// The device that the selector of the node map names; null while the list is empty.
-    [[nodiscard]] const SimulatedDevice* Selected() const noexcept;
+    [[nodiscard]] const SimulatedDevice* Selected() const;
+    [[nodiscard]] size_t Selector() const noexcept { return m_selector; }
+    void Select(int64_t index);
+    void OnInterfaceLost() override;
 
 private:
-    void RequireId(const std::string& id) const;
+    [[nodiscard]] SimulatedDevice& Find(const std::string& id) const;
 
     std::shared_ptr<SystemModule> m_parent;
-    SimulatedDevice& m_device;
-    ListState m_list{1};
+    SimulatedInterface& m_bus;
+    ListState m_list;
+    std::atomic<size_t> m_selector{0};
     OpenChildren<DeviceModule> m_devices;
     RegisterMap m_registers{ByteOrder::Little};
     Port m_port;

@@ -27,22 +27,66 @@ constexpr InfoRow<SimulatedDevice> deviceRows[] = {
      [](const SimulatedDevice&) { return InfoValue(uint64_t{1000000000}); }},
 };
 
-constexpr InfoRow<CameraModel> interfaceRows[] = {
-    {GenTL::INTERFACE_INFO_ID, String, [](const CameraModel& m) { return InfoValue(m.interfaceId); }},
-    {GenTL::INTERFACE_INFO_DISPLAYNAME, String,
-     [](const CameraModel& m) { return InfoValue(m.interfaceName); }},
-    {GenTL::INTERFACE_INFO_TLTYPE, String, [](const CameraModel& m) { return InfoValue(m.tlType); }},
+constexpr InfoRow<BusModel> interfaceRows[] = {
+    {GenTL::INTERFACE_INFO_ID, String, [](const BusModel& m) { return InfoValue(m.interfaceId); }},
+    {GenTL::INTERFACE_INFO_DISPLAYNAME, String, [](const BusModel& m) { return InfoValue(m.interfaceName); }},
+    {GenTL::INTERFACE_INFO_TLTYPE, String, [](const BusModel& m) { return InfoValue(m.tlType); }},
 };
 
 } // namespace
+
+SimulatedInterface::SimulatedInterface(const BusModel& model, uint32_t cameras) : m_model(model) {
+    for (uint32_t number = 1; number <= cameras; ++number)
+        m_devices.push_back(std::make_unique<SimulatedDevice>(CameraModelOf(model, number)));
+    for (const auto& device : m_devices)
+        device->camera.ConnectTo(*this);
+}
+
+std::vector<size_t> SimulatedInterface::PresentDevices() const {
+    std::vector<size_t> present;
+    for (size_t i = 0; i < m_devices.size(); ++i) {
+        if (!m_devices[i]->camera.Away())
+            present.push_back(i);
+    }
+    return present;
+}
+
+void SimulatedInterface::Lose(std::chrono::milliseconds absence) {
+    m_absence.Begin(absence);
+    for (const auto& device : m_devices)
+        device->camera.Lose();
+    std::lock_guard<std::mutex> guard(m_listenerLock);
+    if (m_listener != nullptr)
+        m_listener->OnInterfaceLost();
+}
+
+void SimulatedInterface::SetListener(InterfaceListener* listener) {
+    std::lock_guard<std::mutex> guard(m_listenerLock);
+    m_listener = listener;
+}
+
+Inventory::Inventory(const Population& population) {
+    for (size_t i = 0; i < busCount; ++i) {
+        if (population[i].has_value())
+            m_interfaces.push_back(std::make_unique<SimulatedInterface>(BusModelAt(i), *population[i]));
+    }
+}
+
+std::vector<size_t> Inventory::PresentInterfaces() const {
+    std::vector<size_t> present;
+    for (size_t i = 0; i < m_interfaces.size(); ++i) {
+        if (!m_interfaces[i]->Away())
+            present.push_back(i);
+    }
+    return present;
+}
 
 void AnswerDeviceInfo(const SimulatedDevice& device, GenTL::DEVICE_INFO_CMD command,
                       const InfoTarget& target) {
     AnswerInfo(deviceRows, device, command, target);
 }
 
-void AnswerInterfaceInfo(const CameraModel& model, GenTL::INTERFACE_INFO_CMD command,
-                         const InfoTarget& target) {
+void AnswerInterfaceInfo(const BusModel& model, GenTL::INTERFACE_INFO_CMD command, const InfoTarget& target) {
     AnswerInfo(interfaceRows, model, command, target);
 }
 

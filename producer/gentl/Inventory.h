@@ -1,11 +1,14 @@
 #pragma once
 
 #include "producer/gentl/Reply.h"
+#include "producer/sim/Absence.h"
 #include "producer/sim/Camera.h"
+#include "producer/sim/Population.h"
 
-#include <array>
 #include <atomic>
 #include <memory>
+#include <mutex>
+#include <vector>
 
 namespace zqgentl {
 
@@ -14,39 +17,74 @@ struct SimulatedDevice {
     explicit SimulatedDevice(const CameraModel& model) : camera(model) {}
 
     [[nodiscard]] GenTL::DEVICE_ACCESS_STATUS AccessStatus() const noexcept {
-        return camera.Lost() ? GenTL::DEVICE_ACCESS_STATUS_NOACCESS : openStatus.load();
+        return camera.Lost() || camera.Away() ? GenTL::DEVICE_ACCESS_STATUS_NOACCESS : openStatus.load();
     }
 
     Camera camera;
     std::atomic<GenTL::DEVICE_ACCESS_STATUS> openStatus{GenTL::DEVICE_ACCESS_STATUS_READWRITE};
 };
 
-/// The simulated hardware of one GCInitLib: one interface and one device per camera model.
-class Inventory {
+/// Who wants to know when an interface is gone.
+class InterfaceListener {
 public:
-    static constexpr size_t size = std::size(cameraModels);
+    virtual void OnInterfaceLost() = 0;
 
-    Inventory() {
-        for (size_t i = 0; i < size; ++i)
-            m_devices[i] = std::make_unique<SimulatedDevice>(cameraModels[i]);
-    }
-
-    [[nodiscard]] SimulatedDevice& At(size_t index) const { return *m_devices[index]; }
-
-private:
-    std::array<std::unique_ptr<SimulatedDevice>, size> m_devices;
+protected:
+    ~InterfaceListener() = default;
 };
 
-/// Addresses that the description of GigE Vision modules shows; from a range reserved for documentation.
+/// An interface with its cameras.
+class SimulatedInterface : public CameraBus {
+public:
+    SimulatedInterface(const BusModel& model, uint32_t cameras);
+
+    [[nodiscard]] const BusModel& Model() const noexcept { return m_model; }
+    [[nodiscard]] size_t DeviceCount() const noexcept { return m_devices.size(); }
+    [[nodiscard]] SimulatedDevice& DeviceAt(size_t index) const { return *m_devices[index]; }
+    /// The cameras that are there, by their index.
+    [[nodiscard]] std::vector<size_t> PresentDevices() const;
+
+    /// The interface is gone, and every camera on it lost.
+    void Lose(std::chrono::milliseconds absence) override;
+    [[nodiscard]] bool Away() const noexcept { return m_absence.Away(); }
+    void Release() noexcept { m_absence.Release(); }
+    void SetListener(InterfaceListener* listener);
+
+private:
+    const BusModel& m_model;
+    std::vector<std::unique_ptr<SimulatedDevice>> m_devices;
+    Absence m_absence;
+    std::mutex m_listenerLock;
+    InterfaceListener* m_listener = nullptr;
+};
+
+/// The simulated hardware of one GCInitLib.
+class Inventory {
+public:
+    explicit Inventory(const Population& population);
+
+    [[nodiscard]] size_t Count() const noexcept { return m_interfaces.size(); }
+    [[nodiscard]] SimulatedInterface& At(size_t index) const { return *m_interfaces[index]; }
+    [[nodiscard]] std::vector<size_t> PresentInterfaces() const;
+
+private:
+    std::vector<std::unique_ptr<SimulatedInterface>> m_interfaces;
+};
+
+/// Addresses that the description of GigE Vision modules shows; from a range reserved for benchmarks of networks.
 constexpr int64_t simulatedMacAddress = 0x020000000001;
-constexpr int64_t simulatedInterfaceIp = 0xC0000201;
-constexpr int64_t simulatedDeviceIp = 0xC0000202;
-constexpr int64_t simulatedSubnetMask = 0xFFFFFF00;
+constexpr int64_t simulatedInterfaceIp = 0xC6120001;
+constexpr int64_t simulatedSubnetMask = 0xFFFE0000;
+[[nodiscard]] inline int64_t DeviceMacAddress(const CameraModel& model) {
+    return simulatedMacAddress + model.number;
+}
+[[nodiscard]] inline int64_t DeviceIp(const CameraModel& model) {
+    return simulatedInterfaceIp + model.number;
+}
 
 void AnswerDeviceInfo(const SimulatedDevice& device, GenTL::DEVICE_INFO_CMD command,
                       const InfoTarget& target);
-void AnswerInterfaceInfo(const CameraModel& model, GenTL::INTERFACE_INFO_CMD command,
-                         const InfoTarget& target);
+void AnswerInterfaceInfo(const BusModel& model, GenTL::INTERFACE_INFO_CMD command, const InfoTarget& target);
 [[nodiscard]] std::string DeviceDisplayName(const CameraModel& model);
 
 } // namespace zqgentl

@@ -13,7 +13,7 @@ void Library::Init() {
     std::lock_guard<std::mutex> guard(state.lock);
     if (state.initialised)
         throw Failure(GenTL::GC_ERR_RESOURCE_IN_USE, "the library is initialised already");
-    state.inventory = std::make_shared<Inventory>();
+    state.inventory = std::make_shared<Inventory>(PopulationOfEnvironment());
     state.initialised = true;
 }
 

@@ -1,23 +1,38 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
+#include <mutex>
+#include <optional>
+#include <vector>
 
 namespace zqgentl {
 
-/// The list of interfaces or devices as a consumer sees it: it changes only in an update. What the simulation
-/// offers never changes, so the first update after opening shows all of it and every later one nothing new.
+/// The list of interfaces or devices as a consumer sees it: it changes only in an update. An entry is the
+/// number that its place in the simulated hardware has. Any thread may call any member.
 class ListState {
 public:
-    explicit ListState(size_t available) : m_available(available) {}
-
-    /// True when the list is another one than before.
-    bool Update() noexcept { return m_listed.exchange(m_available) != m_available; }
-    [[nodiscard]] size_t Count() const noexcept { return m_listed; }
+    /// True when the list is another one than before; so is the first one after opening.
+    bool Update(std::vector<size_t> present) {
+        std::lock_guard<std::mutex> guard(m_lock);
+        const bool changed = m_listed != present;
+        m_listed = std::move(present);
+        return changed;
+    }
+    [[nodiscard]] size_t Count() const {
+        std::lock_guard<std::mutex> guard(m_lock);
+        return m_listed.has_value() ? m_listed->size() : 0;
+    }
+    /// The entry at an index of the list, or nothing beyond it.
+    [[nodiscard]] std::optional<size_t> At(size_t index) const {
+        std::lock_guard<std::mutex> guard(m_lock);
+        if (!m_listed.has_value() || index >= m_listed->size())
+            return std::nullopt;
+        return (*m_listed)[index];
+    }
 
 private:
-    const size_t m_available;
-    std::atomic<size_t> m_listed{0};
+    mutable std::mutex m_lock;
+    std::optional<std::vector<size_t>> m_listed;
 };
 
 } // namespace zqgentl

@@ -15,6 +15,7 @@ void RemotePort::RequireAlive() const {
 
 void RemotePort::Read(uint64_t address, void* data, size_t size) const {
     RequireAlive();
+    m_camera.PassPort(address, size, false);
     Port::Read(address, data, size);
 }
 
@@ -22,6 +23,7 @@ void RemotePort::Write(uint64_t address, const void* data, size_t size) const {
     RequireAlive();
     if (!Facts().writable)
         throw Failure(GenTL::GC_ERR_ACCESS_DENIED, "the device is opened read only");
+    m_camera.PassPort(address, size, true);
     Port::Write(address, data, size);
 }
 

@@ -304,18 +304,20 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
     m_writing = true;
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
+    const bool dropped = begun && ticket.plan.faults.Drops(ticket.frameId);
     if (begun) {
         const auto timestampNs = static_cast<uint64_t>(SteadyNow());
         Send(EventKind::FrameStart, ticket, timestampNs);
         Send(EventKind::ExposureEnd, ticket, timestampNs);
-        WriteFrame(m_painter, buffer, ticket, timestampNs);
+        if (!dropped)
+            WriteFrame(m_painter, buffer, ticket, timestampNs);
         Send(EventKind::FrameEnd, ticket, timestampNs);
     }
     lock.lock();
     m_writing = false;
-    if (begun) {
+    if (begun && !dropped) {
         ++m_counters.started;
-        Deliver(buffer);
+        Finish(lock, buffer, ticket);
         return;
     }
     m_pool.MoveToFront(buffer, Place::Input);
@@ -368,8 +370,9 @@ void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exp
     m_wake.wait(lock, [this] { return m_quit || m_pauses == 0; });
     if (m_quit || !m_running)
         return;
-    if (!MayTake()) {
-        ++m_counters.underrun;
+    const bool dropped = ticket.plan.faults.Drops(ticket.frameId);
+    if (dropped || !MayTake()) {
+        m_counters.underrun += dropped ? 0 : 1;
         lock.unlock();
         Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
         lock.lock();
@@ -390,10 +393,23 @@ void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exp
     Send(EventKind::FrameEnd, ticket, Nanoseconds(exposed));
     lock.lock();
     m_writing = false;
+    Finish(lock, buffer, ticket);
+}
+
+void StreamEngine::Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket) {
+    const std::chrono::milliseconds delay = ticket.plan.faults.Delay(ticket.frameId);
+    if (delay.count() != 0) {
+        const auto taken = [&] { return m_quit || m_current != &buffer; };
+        if (m_wake.wait_until(lock, Clock::now() + delay, taken))
+            return;
+    }
     Deliver(buffer);
 }
 
 void StreamEngine::Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs) {
+    if (kind == EventKind::FrameEnd && ticket.plan.faults.SendsError(ticket.frameId))
+        m_camera.Send({EventKind::Error, ticket.frameId, timestampNs,
+                       static_cast<uint32_t>(ticket.plan.faults.errorCode)});
     if ((ticket.plan.events & MaskOf(kind)) != 0)
         m_camera.Send({kind, ticket.frameId, timestampNs, 0});
 }

@@ -91,6 +91,8 @@ private:
     void TriggeredFrame(Lock& lock, FrameTicket& ticket);
     void Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
     BufferModule& TakeNext();
+    /// Delivers a frame that has been written, late if it is to be.
+    void Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket);
     void Deliver(BufferModule& buffer);
     void DeliverUnfinished();
     void CancelCurrent(Place to);

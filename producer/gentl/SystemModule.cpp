@@ -54,7 +54,7 @@ bool IsGev(const SystemModule& system) {
     return system.Selected() != nullptr && system.Selected()->technology == Technology::GigEVision;
 }
 
-Value SelectedText(const SystemModule& system, const char* CameraModel::*text) {
+Value SelectedText(const SystemModule& system, const char* BusModel::*text) {
     return Value(system.Selected() == nullptr ? std::string() : std::string(system.Selected()->*text));
 }
 
@@ -87,9 +87,9 @@ constexpr RegisterRow<SystemModule> registerRows[] = {
      },
      nullptr},
     {0x041C, 4, Integer, [](const SystemModule& s) { return Value(int64_t{IsGev(s)}); }, nullptr},
-    {0x0500, 64, Text, [](const SystemModule& s) { return SelectedText(s, &CameraModel::interfaceId); },
+    {0x0500, 64, Text, [](const SystemModule& s) { return SelectedText(s, &BusModel::interfaceId); },
      nullptr},
-    {0x0540, 64, Text, [](const SystemModule& s) { return SelectedText(s, &CameraModel::interfaceName); },
+    {0x0540, 64, Text, [](const SystemModule& s) { return SelectedText(s, &BusModel::interfaceName); },
      nullptr},
     {0x0600, 8, Integer, [](const SystemModule& s) { return Value(IsGev(s) ? simulatedMacAddress : 0); },
      nullptr},
@@ -113,33 +113,38 @@ void SystemModule::AnswerInfo(GenTL::TL_INFO_CMD command, const InfoTarget& targ
     zqgentl::AnswerInfo(infoRows, Nothing(), command, target);
 }
 
-const CameraModel& SystemModule::Listed(uint32_t index) const {
-    if (index >= ListedCount())
+const BusModel& SystemModule::Listed(uint32_t index) const {
+    const std::optional<size_t> listed = m_list.At(index);
+    if (!listed.has_value())
         throw Failure(GenTL::GC_ERR_INVALID_INDEX,
                       "interface " + std::to_string(index) + " of " + std::to_string(ListedCount()));
-    return cameraModels[index];
+    return m_inventory->At(*listed).Model();
 }
 
 size_t SystemModule::IndexOf(const std::string& id) const {
-    for (size_t i = 0; i < Inventory::size; ++i) {
-        if (id == cameraModels[i].interfaceId)
+    for (size_t i = 0; i < m_inventory->Count(); ++i) {
+        if (id == m_inventory->At(i).Model().interfaceId)
             return i;
     }
     throw Failure(GenTL::GC_ERR_INVALID_ID, "there is no interface '" + id + "'");
 }
 
-const CameraModel& SystemModule::WithId(const std::string& id) const {
-    return cameraModels[IndexOf(id)];
+const BusModel& SystemModule::WithId(const std::string& id) const {
+    return m_inventory->At(IndexOf(id)).Model();
 }
 
 void* SystemModule::OpenInterface(const std::string& id) {
-    SimulatedDevice& device = m_inventory->At(IndexOf(id));
-    return m_interfaces.Open(id,
-                             [&] { return std::make_shared<InterfaceModule>(shared_from_this(), device); });
+    SimulatedInterface& bus = m_inventory->At(IndexOf(id));
+    return m_interfaces.Open(id, [&] {
+        if (bus.Away())
+            throw Failure(GenTL::GC_ERR_IO, "the interface '" + id + "' is gone");
+        return std::make_shared<InterfaceModule>(shared_from_this(), bus);
+    });
 }
 
-const CameraModel* SystemModule::Selected() const noexcept {
-    return m_selector < ListedCount() ? &cameraModels[m_selector] : nullptr;
+const BusModel* SystemModule::Selected() const {
+    const std::optional<size_t> listed = m_list.At(m_selector);
+    return listed.has_value() ? &m_inventory->At(*listed).Model() : nullptr;
 }
 
 void SystemModule::Select(int64_t index) {

@@ -20,18 +20,18 @@ public:
 
     static void AnswerInfo(GenTL::TL_INFO_CMD command, const InfoTarget& target);
 
-    bool UpdateList() noexcept { return m_list.Update(); }
-    [[nodiscard]] size_t ListedCount() const noexcept { return m_list.Count(); }
+    bool UpdateList() { return m_list.Update(m_inventory->PresentInterfaces()); }
+    [[nodiscard]] size_t ListedCount() const { return m_list.Count(); }
     /// The interface at an index of the list; GC_ERR_INVALID_INDEX beyond it.
-    [[nodiscard]] const CameraModel& Listed(uint32_t index) const;
-    [[nodiscard]] const CameraModel& WithId(const std::string& id) const;
+    [[nodiscard]] const BusModel& Listed(uint32_t index) const;
+    [[nodiscard]] const BusModel& WithId(const std::string& id) const;
     [[nodiscard]] void* OpenInterface(const std::string& id);
     void Forget(const InterfaceModule& child) { m_interfaces.Forget(child); }
     void Close();
 
     [[nodiscard]] const Port& ModulePort() const override { return m_port; }
     /// The interface that the selector of the node map names; an empty record while the list is empty.
-    [[nodiscard]] const CameraModel* Selected() const noexcept;
+    [[nodiscard]] const BusModel* Selected() const;
     [[nodiscard]] size_t Selector() const noexcept { return m_selector; }
     void Select(int64_t index);
 
@@ -39,7 +39,7 @@ private:
     [[nodiscard]] size_t IndexOf(const std::string& id) const;
 
     std::shared_ptr<Inventory> m_inventory;
-    ListState m_list{Inventory::size};
+    ListState m_list;
     std::atomic<size_t> m_selector{0};
     OpenChildren<InterfaceModule> m_interfaces;
     RegisterMap m_registers{ByteOrder::Little};

@@ -15,7 +15,7 @@ namespace zqgentl {
 class Agenda {
 public:
     using Clock = std::chrono::steady_clock;
-    enum class Job { Temperature, LoseDevice, RestoreDevice, Timer0, Timer1 };
+    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0, Timer1 };
     static constexpr size_t jobCount = 5;
 
     Agenda() = default;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <thread>
 
 namespace zqgentl {
 
@@ -46,6 +47,7 @@ void Camera::PowerOn(CameraListener& listener) {
     {
         std::lock_guard<std::mutex> guard(m_lock);
         m_settings = CameraSettings();
+        m_portFaults = false;
         ++m_revision;
         m_acquiring = false;
         m_lost = false;
@@ -156,6 +158,7 @@ void Camera::TakePlan(FrameTicket& ticket) const {
     ticket.plan.chunkLayoutId = ticket.plan.chunks.Id();
     ticket.plan.payloadSize =
         ticket.plan.chunks.Empty() ? ticket.plan.imageSize : ticket.plan.chunks.PayloadSize();
+    ticket.plan.faults = m_settings.frameFaults;
     ticket.plan.events = m_settings.eventMask;
     ticket.plan.exposureTimeUs = m_settings.exposureTimeUs;
     ticket.plan.gainDb = m_settings.gainDb;
@@ -279,8 +282,43 @@ void Camera::Lose() {
         std::lock_guard<std::mutex> guard(m_lock);
         m_acquiring = false;
         m_lost = true;
+        if (m_settings.returnTimeMs != 0)
+            m_absence.Begin(std::chrono::milliseconds(m_settings.returnTimeMs));
     }
     Tell([](CameraListener& listener) { listener.OnCameraLost(); });
+}
+
+std::chrono::milliseconds Camera::LossDelay() const {
+    return std::chrono::milliseconds(Settings().lossDelayMs);
+}
+
+void Camera::LoseLater() {
+    const std::chrono::milliseconds delay = LossDelay();
+    if (delay.count() == 0)
+        Lose();
+    else
+        m_agenda.After(delay, Agenda::Job::LoseDevice, [this] { Lose(); });
+}
+
+void Camera::LoseInterfaceLater() {
+    const auto lose = [this] { m_bus->Lose(std::chrono::milliseconds(Settings().returnTimeMs)); };
+    const std::chrono::milliseconds delay = LossDelay();
+    if (delay.count() == 0)
+        lose();
+    else
+        m_agenda.After(delay, Agenda::Job::LoseInterface, lose);
+}
+
+void Camera::PassPort(uint64_t address, size_t size, bool write) const {
+    const bool simulation = address >= firstFaultlessAddress && address < endOfFaultlessAddresses;
+    if (!m_portFaults || simulation)
+        return;
+    const PortFaults faults = Settings().portFaults;
+    std::this_thread::sleep_for(std::chrono::milliseconds(faults.delayMs));
+    const int64_t broken = write ? faults.writeErrorAddress : faults.readErrorAddress;
+    if (broken >= 0 && static_cast<uint64_t>(broken) - address < size)
+        throw Failure(static_cast<GenTL::GC_ERROR>(faults.errorCode),
+                      "a failure of the port that is simulated");
 }
 
 void Camera::RequireUnlocked() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "producer/sim/Absence.h"
 #include "producer/sim/Agenda.h"
 #include "producer/sim/CameraModel.h"
 #include "producer/sim/CameraSettings.h"
@@ -25,6 +26,7 @@ struct FramePlan {
     size_t imageSize = 0;
     size_t payloadSize = 0;
     ChunkLayout chunks;
+    FrameFaults faults;
     uint32_t chunkLayoutId = 0;
     EventMask events = 0;
     double exposureTimeUs = 0;
@@ -62,12 +64,25 @@ protected:
     ~CameraListener() = default;
 };
 
+/// What a camera is connected to.
+class CameraBus {
+public:
+    /// It is gone for a time, or, with a time of 0, until it is opened anew.
+    virtual void Lose(std::chrono::milliseconds absence) = 0;
+
+protected:
+    ~CameraBus() = default;
+};
+
 /// A simulated camera: its registers and the frames it has to give. Any thread may use it.
 class Camera {
 public:
     explicit Camera(const CameraModel& model);
     Camera(const Camera&) = delete;
     Camera& operator=(const Camera&) = delete;
+
+    /// Once, before any other thread knows the camera.
+    void ConnectTo(CameraBus& bus) noexcept { m_bus = &bus; }
 
     /// Opening a camera switches it on: settings are those of power-up and a loss is over. The user-defined
     /// name stays.
@@ -110,7 +125,17 @@ public:
     /// Changes nothing while an acquisition is under way.
     void StartAcquisition();
     void StopAcquisition();
+    /// The camera is gone; see SimulationReturnTime for when it comes back.
     void Lose();
+    /// The same, or the whole interface, after the time that SimulationLossDelay sets.
+    void LoseLater();
+    void LoseInterfaceLater();
+    /// Gone for some time: it can't be found or opened. A camera lost without such a time can be opened anew.
+    [[nodiscard]] bool Away() const noexcept { return m_absence.Away(); }
+
+    /// Throws what the settings of the simulation want an access to the registers to end with, after the time
+    /// that they want it to take.
+    void PassPort(uint64_t address, size_t size, bool write) const;
 
 private:
     void RequireUnlocked() const;
@@ -120,10 +145,11 @@ private:
     template <class Call>
     void Tell(Call call);
     bool AdjustExposure();
+    [[nodiscard]] std::chrono::milliseconds LossDelay() const;
     void FollowTemperature();
     void CheckTemperature();
 
-    const CameraModel& m_model;
+    const CameraModel m_model;
     RegisterMap m_registers;
 
     std::mutex m_listenerLock;
@@ -138,6 +164,9 @@ private:
     std::atomic<uint64_t> m_revision{1};
     std::atomic<bool> m_acquiring{false};
     std::atomic<int64_t> m_triggers{0};
+    std::atomic<bool> m_portFaults{false};
+    Absence m_absence;
+    CameraBus* m_bus = nullptr;
     std::atomic<bool> m_lost{false};
     int64_t m_adjusted = 0; // when the automatic exposure last took a step
     double m_temperatureTold = 0;
@@ -152,6 +181,7 @@ void Camera::Apply(Lockable lockable, Change change) {
         if (lockable == Lockable::Yes)
             RequireUnlocked();
         change(m_settings);
+        m_portFaults = m_settings.portFaults.Any();
         ++m_revision;
     }
     NotifyChanged();

@@ -2,6 +2,7 @@
 
 #include "producer/sim/CameraEvents.h"
 #include "producer/sim/Chunks.h"
+#include "producer/sim/Faults.h"
 
 #include <cstdint>
 
@@ -52,6 +53,11 @@ struct CameraSettings {
 
     int64_t eventSelector = 0;
     EventMask eventMask = 0;
+
+    FrameFaults frameFaults;
+    PortFaults portFaults;
+    int64_t lossDelayMs = 0;
+    int64_t returnTimeMs = 0;
 
     int64_t tlParamsLocked = 0;
     int64_t timestampLatch = 0;

@@ -29,6 +29,7 @@ extern const Description stream;
 extern const Description camera_u3v;
 extern const Description camera_gev;
 extern const Description camera_cxp;
+extern const Description camera_cxp_native;
 
 } // namespace descriptions
 } // namespace zqgentl
