@@ -79,8 +79,9 @@ macro(zq_write_camera technology)
     set(CAMERA_TECHNOLOGY ${technology})
     zq_read_pixel_formats(PIXEL_FORMATS)
     zq_begin_camera()
-    foreach(category DeviceControl ImageFormatControl AcquisitionControl AnalogControl ChunkDataControl EventControl
-            TransportLayerControl SimulationControl)
+    foreach(category DeviceControl ImageFormatControl AcquisitionControl AnalogControl LUTControl
+            DigitalIOControl CounterAndTimerControl EventControl ChunkDataControl FileAccessControl UserSetControl
+            ActionControl TransportLayerControl SimulationControl)
         include("${templates}/camera/${category}.cmake")
     endforeach()
     zq_finish_camera()
@@ -107,3 +108,9 @@ set(CAMERA_MODEL SimCXP25M)
 set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000004)
 zq_write_camera(CXP)
 zq_description(camera_cxp_native camera)
+
+set(CAMERA_ENDIANESS LittleEndian)
+zq_begin_camera()
+include("${templates}/buffer.cmake")
+zq_finish_camera()
+zq_description(buffer buffer)

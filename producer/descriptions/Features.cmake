@@ -6,6 +6,7 @@
 #   zq_float, zq_string: the same; zq_boolean, zq_enumeration: without the length, which is 4
 #   zq_command(<name> <address> <tooltip> [options])
 #   zq_register(<name> <Int|Float|String> <address> <length> <access> [options])     the register alone
+#   zq_bytes(<name> <address> <length> <tooltip>)
 #   zq_formula(<name> <formula> <variable>=<node>...)
 #   zq_port(<name> <tooltip> [CHUNK_ID <hex>] [EVENT_ID <hex>])
 #
@@ -79,6 +80,10 @@ function(zq_register name kind address length access)
         string(APPEND text "        <Cachable>NoCache</Cachable>\n")
     endif()
     zq_element(POLLING PollingTime)
+    # Loading a user set changes whatever can be written.
+    if(OPT_PORT STREQUAL "Device" AND access STREQUAL "RW" AND NOT OPT_NOCACHE)
+        list(APPEND OPT_INVALIDATED_BY UserSetLoad)
+    endif()
     foreach(invalidator IN LISTS OPT_INVALIDATED_BY)
         string(APPEND text "        <pInvalidator>${invalidator}</pInvalidator>\n")
     endforeach()
@@ -173,6 +178,15 @@ function(zq_command name address tooltip)
         "        <pValue>${name}Reg</pValue>\n        <CommandValue>1</CommandValue>\n" ${ARGN})
     zq_options(${ARGN})
     zq_register(${name}Reg Int ${address} 4 WO NOCACHE)
+endfunction()
+
+# Bytes without meaning to the node map.
+function(zq_bytes name address length tooltip)
+    zq_list_feature(${name})
+    set(text "    <Register Name=\"${name}\" NameSpace=\"Standard\">\n        <ToolTip>${tooltip}</ToolTip>\n")
+    string(APPEND text "        <Address>${address}</Address>\n        <Length>${length}</Length>\n")
+    string(APPEND text "        <AccessMode>RW</AccessMode>\n        <pPort>Device</pPort>\n")
+    zq_append("${text}        <Cachable>NoCache</Cachable>\n    </Register>\n\n")
 endfunction()
 
 # A feature that shows another node, read only.

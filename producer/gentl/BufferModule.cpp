@@ -1,5 +1,6 @@
 #include "producer/gentl/BufferModule.h"
 
+#include <cstdio>
 #include <new>
 
 namespace zqgentl {
@@ -30,6 +31,8 @@ InfoValue OfImage(const View& view) {
     const InfoValue value = OfFrame<Member>(view);
     if (!view.frame.imagePresent)
         throw Failure(GenTL::GC_ERR_NO_DATA, "there is no image in the buffer");
+    if (view.frame.parts.count > 0)
+        throw Failure(GenTL::GC_ERR_NO_DATA, "the parts of the frame have this, not the buffer");
     return value;
 }
 
@@ -44,9 +47,11 @@ InfoValue OfChunks(const View& view) {
     return InfoValue(view.frame.*Member);
 }
 
-int32_t PayloadType(const FrameInfo& frame) {
+int32_t PayloadTypeOf(const FrameInfo& frame) {
     if (!frame.present)
         return GenTL::PAYLOAD_TYPE_UNKNOWN;
+    if (frame.parts.count > 0)
+        return GenTL::PAYLOAD_TYPE_MULTI_PART;
     return frame.imagePresent ? GenTL::PAYLOAD_TYPE_IMAGE : GenTL::PAYLOAD_TYPE_CHUNK_ONLY;
 }
 
@@ -75,7 +80,7 @@ constexpr InfoRow<View> rows[] = {
     {GenTL::BUFFER_INFO_FRAMEID, Uint64, OfFrame<&FrameInfo::frameId>},
     {GenTL::BUFFER_INFO_IMAGEPRESENT, Flag, [](const View& v) { return InfoValue(v.frame.imagePresent); }},
     {GenTL::BUFFER_INFO_IMAGEOFFSET, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
-    {GenTL::BUFFER_INFO_PAYLOADTYPE, Size, [](const View& v) { return InfoValue(PayloadType(v.frame)); }},
+    {GenTL::BUFFER_INFO_PAYLOADTYPE, Size, [](const View& v) { return InfoValue(PayloadTypeOf(v.frame)); }},
     {GenTL::BUFFER_INFO_PIXELFORMAT, Uint64, OfImage<&FrameInfo::pixelFormat>},
     {GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE, Uint64, OfImage<&FrameInfo::pixelFormatNamespace>},
     {GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT, Size, OfImage<&FrameInfo::deliveredHeight>},
@@ -112,6 +117,21 @@ BufferModule::BufferModule(const CameraModel& model, void* base, size_t size, vo
     : Module(kind), m_model(model), m_memory(base == nullptr ? AllocateMemory(size) : nullptr),
       m_base(base == nullptr ? m_memory.get() : static_cast<uint8_t*>(base)), m_size(size),
       m_userPointer(userPointer) {}
+
+std::string BufferModule::Id() const {
+    char id[32];
+    std::snprintf(id, sizeof id, "Buffer-%p", static_cast<const void*>(m_base));
+    return id;
+}
+
+int32_t BufferModule::PayloadType() const {
+    return PayloadTypeOf(Frame());
+}
+
+const Port& BufferModule::ModulePort() const {
+    std::call_once(m_portMade, [this] { m_port = std::make_unique<BufferPort>(*this); });
+    return m_port->View();
+}
 
 FrameInfo BufferModule::Frame() const {
     std::lock_guard<std::mutex> guard(m_frameLock);

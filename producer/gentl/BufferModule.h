@@ -1,7 +1,9 @@
 #pragma once
 
+#include "producer/gentl/BufferPort.h"
 #include "producer/gentl/Module.h"
 #include "producer/sim/Chunks.h"
+#include "producer/sim/Parts.h"
 
 #include <atomic>
 #include <cstddef>
@@ -10,6 +12,7 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 namespace zqgentl {
@@ -39,6 +42,7 @@ struct FrameInfo {
     ChunkMask chunkMask = 0;
     uint32_t chunkLayoutId = 0;
     size_t imageSize = 0;
+    PartList parts;
 };
 
 /// An announced buffer. Its place belongs to the stream's engine; the frame may be set and asked from any
@@ -53,6 +57,10 @@ public:
     [[nodiscard]] uint8_t* Base() const noexcept { return m_base; }
     [[nodiscard]] size_t Size() const noexcept { return m_size; }
     [[nodiscard]] void* UserPointer() const noexcept { return m_userPointer; }
+    [[nodiscard]] const CameraModel& Model() const noexcept { return m_model; }
+    [[nodiscard]] std::string Id() const;
+    [[nodiscard]] int32_t PayloadType() const;
+    [[nodiscard]] const Port& ModulePort() const override;
     [[nodiscard]] const char* TlType() const noexcept { return m_model.tlType; }
     [[nodiscard]] bool OwnsMemory() const noexcept { return m_memory != nullptr; }
     [[nodiscard]] Place CurrentPlace() const noexcept { return m_place; }
@@ -61,6 +69,9 @@ public:
     void SetFrame(const FrameInfo& frame);
 
     void AnswerInfo(GenTL::BUFFER_INFO_CMD command, const InfoTarget& target) const;
+    /// GC_ERR_NO_DATA unless the frame has several parts.
+    [[nodiscard]] size_t PartCount() const;
+    void AnswerPartInfo(uint32_t index, GenTL::BUFFER_PART_INFO_CMD command, const InfoTarget& target) const;
     /// The list of the chunks in the buffer. Counts entries, not bytes; otherwise like every other answer.
     void AnswerChunks(GenTL::SINGLE_CHUNK_DATA* entries, size_t* count) const;
 
@@ -81,6 +92,10 @@ private:
     std::atomic<Place> m_place{Place::Idle};
     std::list<BufferModule*>::iterator m_position;
     std::atomic<const class BufferPool*> m_pool{nullptr}; // where it is announced
+
+    // Made when somebody asks for it: few do, and there may be many buffers.
+    mutable std::once_flag m_portMade;
+    mutable std::unique_ptr<BufferPort> m_port;
 
     mutable std::mutex m_frameLock;
     FrameInfo m_frame;

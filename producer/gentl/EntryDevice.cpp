@@ -151,20 +151,22 @@ GC_API DSGetBufferChunkData(DS_HANDLE stream, BUFFER_HANDLE buffer, SINGLE_CHUNK
     });
 }
 
-GC_API DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t*) {
+GC_API DSGetNumBufferParts(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t* count) {
     return Guard("DSGetNumBufferParts", [&] {
         const auto module = Get<StreamModule>(stream);
-        module->Engine().RequireAnnounced(*Get<BufferModule>(buffer));
-        NotImplemented("multi-part data");
+        const auto announced = Get<BufferModule>(buffer);
+        module->Engine().RequireAnnounced(*announced);
+        Required(count, "the count") = static_cast<uint32_t>(announced->PartCount());
     });
 }
 
-GC_API DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t, BUFFER_PART_INFO_CMD,
-                           INFO_DATATYPE*, void*, size_t*) {
+GC_API DSGetBufferPartInfo(DS_HANDLE stream, BUFFER_HANDLE buffer, uint32_t index,
+                           BUFFER_PART_INFO_CMD command, INFO_DATATYPE* type, void* answer, size_t* size) {
     return Guard("DSGetBufferPartInfo", [&] {
         const auto module = Get<StreamModule>(stream);
-        module->Engine().RequireAnnounced(*Get<BufferModule>(buffer));
-        NotImplemented("multi-part data");
+        const auto announced = Get<BufferModule>(buffer);
+        module->Engine().RequireAnnounced(*announced);
+        announced->AnswerPartInfo(index, command, {type, answer, size});
     });
 }
 

@@ -20,6 +20,14 @@ ChunkValues ValuesOf(const FrameTicket& ticket, uint64_t timestampNs) {
 void DrawImage(Painter& painter, const FrameTicket& ticket, uint8_t* target, size_t size) {
     const FramePlan& plan = ticket.plan;
     painter.Draw(plan.scene, *plan.format, plan.tone, ticket.frameId, target, size);
+    if (plan.parts.count == 0)
+        return;
+    // Where the scene is bright there is confidence, too: the same picture in one byte a pixel.
+    static const PixelFormat& mono8 = *FindPixelFormat(Technology::Mixed, pixelFormatMono8);
+    const Part& confidence = plan.parts.parts[1];
+    if (size > confidence.offset)
+        painter.Draw(plan.scene, mono8, nullptr, ticket.frameId, target + confidence.offset,
+                     size - confidence.offset);
 }
 
 /// The whole payload: the image and what follows it.
@@ -58,6 +66,7 @@ FrameInfo DescribeFrame(const FrameTicket& ticket, uint64_t timestampNs) {
     frame.pixelFormat = plan.formatCode;
     frame.pixelFormatNamespace = plan.formatNamespace;
     frame.imageSize = plan.imageSize;
+    frame.parts = plan.parts;
     frame.hasChunks = !plan.chunks.Empty();
     frame.imagePresent = !frame.hasChunks || plan.chunks.ImageSize() > 0;
     frame.chunkMask = plan.chunks.Mask();

@@ -65,7 +65,23 @@ constexpr RegisterRow<InterfaceModule> commonRows[] = {
     {0x0608, 4, Integer, [](const InterfaceModule& i) { return Selected(i, 0); }, nullptr},
 };
 
+template <auto Key>
+Value GetKey(const InterfaceModule& interface) {
+    return Value((interface.Action().*Key).load());
+}
+
+template <auto Key>
+void SetKey(InterfaceModule& interface, const Value& value) {
+    interface.Action().*Key = std::get<int64_t>(value);
+}
+
+using Keys = InterfaceModule::ActionKeys;
+
 constexpr RegisterRow<InterfaceModule> gevRows[] = {
+    {0x0800, 4, Integer, GetKey<&Keys::device>, SetKey<&Keys::device>},
+    {0x0804, 4, Integer, GetKey<&Keys::group>, SetKey<&Keys::group>},
+    {0x0808, 4, Integer, GetKey<&Keys::mask>, SetKey<&Keys::mask>},
+    {0x080C, 4, Integer, nullptr, [](InterfaceModule& interface, const Value&) { interface.SendAction(); }},
     {0x0700, 8, Integer, [](const InterfaceModule&) { return Value(simulatedMacAddress); }, nullptr},
     {0x0708, 4, Integer, [](const InterfaceModule&) { return Value(simulatedInterfaceIp); }, nullptr},
     {0x070C, 4, Integer, [](const InterfaceModule&) { return Value(simulatedSubnetMask); }, nullptr},
@@ -133,6 +149,11 @@ void InterfaceModule::Select(int64_t index) {
     if (index < 0 || static_cast<uint64_t>(index) >= ListedCount())
         throw Failure(GenTL::GC_ERR_INVALID_VALUE, "there is no device " + std::to_string(index));
     m_selector = static_cast<size_t>(index);
+}
+
+void InterfaceModule::SendAction() {
+    for (size_t i = 0; i < m_bus.DeviceCount(); ++i)
+        m_bus.DeviceAt(i).camera.Act(m_action.device, m_action.group, m_action.mask);
 }
 
 void InterfaceModule::OnInterfaceLost() {

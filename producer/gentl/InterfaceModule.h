@@ -40,6 +40,16 @@ public:
     void Select(int64_t index);
     void OnInterfaceLost() override;
 
+    /// The keys of an action command that goes to every camera of the interface.
+    struct ActionKeys {
+        std::atomic<int64_t> device{0};
+        std::atomic<int64_t> group{0};
+        std::atomic<int64_t> mask{0};
+    };
+    [[nodiscard]] ActionKeys& Action() noexcept { return m_action; }
+    [[nodiscard]] const ActionKeys& Action() const noexcept { return m_action; }
+    void SendAction();
+
 private:
     [[nodiscard]] SimulatedDevice& Find(const std::string& id) const;
 
@@ -47,6 +57,7 @@ private:
     SimulatedInterface& m_bus;
     ListState m_list;
     std::atomic<size_t> m_selector{0};
+    ActionKeys m_action;
     OpenChildren<DeviceModule> m_devices;
     RegisterMap m_registers{ByteOrder::Little};
     Port m_port;

@@ -71,7 +71,8 @@ private:
     std::vector<std::unique_ptr<SimulatedInterface>> m_interfaces;
 };
 
-/// Addresses that the description of GigE Vision modules shows; from a range reserved for benchmarks of networks.
+/// Addresses that the description of GigE Vision modules shows; from a range reserved for benchmarks of
+/// networks.
 constexpr int64_t simulatedMacAddress = 0x020000000001;
 constexpr int64_t simulatedInterfaceIp = 0xC6120001;
 constexpr int64_t simulatedSubnetMask = 0xFFFE0000;

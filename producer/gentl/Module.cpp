@@ -13,8 +13,7 @@ const Port& Module::ModulePort() const {
 }
 
 std::shared_ptr<Event> Module::MakeEvent(GenTL::EVENT_TYPE type) {
-    const bool known =
-        type == GenTL::EVENT_ERROR || (type == GenTL::EVENT_MODULE && m_moduleKind != Kind::Buffer);
+    const bool known = type == GenTL::EVENT_ERROR || type == GenTL::EVENT_MODULE;
     if (!known)
         throw Failure(GenTL::GC_ERR_NOT_IMPLEMENTED,
                       "this module has no events of type " + std::to_string(type));

@@ -410,6 +410,10 @@ void StreamEngine::Send(EventKind kind, const FrameTicket& ticket, uint64_t time
     if (kind == EventKind::FrameEnd && ticket.plan.faults.SendsError(ticket.frameId))
         m_camera.Send({EventKind::Error, ticket.frameId, timestampNs,
                        static_cast<uint32_t>(ticket.plan.faults.errorCode)});
+    if (ticket.plan.signals && kind == EventKind::FrameStart)
+        m_camera.Happen(Signal::FrameStart);
+    if (ticket.plan.signals && kind == EventKind::ExposureEnd)
+        m_camera.Happen(Signal::ExposureEnd);
     if ((ticket.plan.events & MaskOf(kind)) != 0)
         m_camera.Send({kind, ticket.frameId, timestampNs, 0});
 }

@@ -20,12 +20,6 @@ void SetExposureTime(Camera& camera, const RegisterValue& value) {
                  [&](CameraSettings& settings) { settings.exposureTimeUs = std::get<double>(value); });
 }
 
-void SetGain(Camera& camera, const RegisterValue& value) {
-    CheckRange("Gain", std::get<double>(value), 0, gainMaxDb);
-    camera.Apply(Camera::Lockable::No,
-                 [&](CameraSettings& settings) { settings.gainDb = std::get<double>(value); });
-}
-
 void SetTriggerDelay(Camera& camera, const RegisterValue& value) {
     CheckRange("TriggerDelay", std::get<double>(value), 0, triggerDelayMaxUs);
     camera.Apply(Camera::Lockable::No,
@@ -65,7 +59,6 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x055C, 4, Integer, Get<&S::triggerSource>, SetWhole<&S::triggerSource, 0, lastSource>},
     {0x0560, 4, Integer, Get<&S::triggerActivation>, SetWhole<&S::triggerActivation, 0, 2>},
     {0x0568, 8, Float, Get<&S::triggerDelayUs>, SetTriggerDelay},
-    {0x0900, 8, Float, Get<&S::gainDb>, SetGain},
 };
 
 } // namespace

@@ -39,14 +39,19 @@ int64_t SteadyNow() {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceBoot).count();
 }
 
-Camera::Camera(const CameraModel& model) : m_model(model), m_registers(model.byteOrder) {
+Camera::Camera(const CameraModel& model)
+    : m_model(model), m_registers(model.byteOrder),
+      m_files("model=" + std::string(model.modelName) + "\nserial=" + model.serialNumber + "\n") {
     BindCameraRegisters(*this, m_registers);
 }
 
 void Camera::PowerOn(CameraListener& listener) {
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        m_settings = CameraSettings();
+        m_settings = StoredSet(m_startupSet);
+        m_counter = 0;
+        m_timerActive = false;
+        m_files.CloseAll();
         m_portFaults = false;
         ++m_revision;
         m_acquiring = false;
@@ -109,6 +114,8 @@ bool Camera::BeginFrame(FrameTicket& ticket) {
         return false;
     const bool adjusted = m_settings.exposureAuto != static_cast<int64_t>(AutoMode::Off) && AdjustExposure();
     TakePlan(ticket);
+    if (ticket.plan.lineStatusWanted)
+        ticket.plan.lineStatus = LineStatusLocked();
     ticket.frameId = m_nextFrameId++;
     if (m_framesLeft != 0 && --m_framesLeft == 0)
         m_acquiring = false;
@@ -161,7 +168,9 @@ void Camera::TakePlan(FrameTicket& ticket) const {
     ticket.plan.faults = m_settings.frameFaults;
     ticket.plan.events = m_settings.eventMask;
     ticket.plan.exposureTimeUs = m_settings.exposureTimeUs;
-    ticket.plan.gainDb = m_settings.gainDb;
+    ticket.plan.gainDb = m_settings.tone.gainDb;
+    ticket.plan.lineStatusWanted = (ticket.plan.chunks.Mask() & MaskOf(Chunk::LineStatusAll)) != 0;
+    ticket.plan.signals = m_settings.counter.source != 0 || m_settings.timer.source != 0;
     ticket.plan.paced = m_settings.frameRateEnable != 0;
     ticket.plan.exposure = std::chrono::nanoseconds(static_cast<int64_t>(m_settings.exposureTimeUs * 1e3));
     ticket.plan.triggered = m_settings.triggerMode != 0;
@@ -188,10 +197,27 @@ void Camera::PlanImage(FramePlan& plan) const {
     scene.seed = number(m_settings.seed);
     plan.format = FindPixelFormat(m_model.technology, m_settings.pixelFormat);
     plan.imageSize = plan.format->ImageSize(scene.region.width, scene.region.height);
+    if (!(m_toneMade == m_settings.tone)) {
+        m_toneMade = m_settings.tone;
+        m_tone = MakeToneCurve(m_toneMade);
+    }
+    plan.tone = m_tone;
     const bool native = m_model.nativePixelCodes && plan.format->cxpCode != 0;
     plan.formatCode = native ? plan.format->cxpCode : plan.format->code;
     plan.formatNamespace =
         native ? GenTL::PIXELFORMAT_NAMESPACE_UNKNOWN : GenTL::PIXELFORMAT_NAMESPACE_PFNC_32BIT;
+    PlanParts(plan);
+}
+
+void Camera::PlanParts(FramePlan& plan) const {
+    plan.parts = PartList();
+    if ((m_settings.components & MaskOf(Component::Confidence)) == 0)
+        return;
+    const size_t pixels = size_t{plan.scene.region.width} * plan.scene.region.height;
+    plan.parts.count = componentCount;
+    plan.parts.parts = {Part{Component::Intensity, 0, plan.imageSize, plan.formatCode},
+                        Part{Component::Confidence, plan.imageSize, pixels, confidence8}};
+    plan.imageSize += pixels;
 }
 
 void Camera::Trigger(TriggerSource source) {

@@ -4,10 +4,12 @@
 #include "producer/sim/Agenda.h"
 #include "producer/sim/CameraModel.h"
 #include "producer/sim/CameraSettings.h"
+#include "producer/sim/DeviceFiles.h"
 #include "producer/sim/Drift.h"
 #include "producer/sim/Painter.h"
 #include "producer/sim/RegisterMap.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -31,6 +33,9 @@ struct FramePlan {
     EventMask events = 0;
     double exposureTimeUs = 0;
     double gainDb = 0;
+    PartList parts;
+    bool lineStatusWanted = false;
+    bool signals = false; ///< counter or timer listen to frames
     uint32_t lineStatus = 0;
     bool paced = true;
     bool triggered = false;
@@ -112,6 +117,25 @@ public:
     [[nodiscard]] bool Triggered() const noexcept { return m_triggers > 0; }
     void TakeTrigger() noexcept { --m_triggers; }
 
+    /// Something happened that counters and timers may listen to.
+    void Happen(Signal signal);
+    /// The simulation puts a level on an input.
+    void DriveLine(size_t line, bool level);
+    [[nodiscard]] uint32_t LineStatus() const;
+    [[nodiscard]] int64_t CounterValue() const;
+    void ResetCounter();
+    void StartTimer();
+    [[nodiscard]] bool TimerActive() const;
+    /// An action command with these keys came in.
+    void Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask);
+
+    void LoadUserSet();
+    void SaveUserSet();
+    [[nodiscard]] int64_t StartupSet() const;
+    void SetStartupSet(int64_t set);
+    [[nodiscard]] DeviceFiles& Files() noexcept { return m_files; }
+    [[nodiscard]] const DeviceFiles& Files() const noexcept { return m_files; }
+
     /// Changes the settings as one step. A change to what frames look like is refused while the
     /// transport-layer parameters are locked.
     enum class Lockable { No, Yes };
@@ -141,6 +165,12 @@ private:
     void RequireUnlocked() const;
     void TakePlan(FrameTicket& ticket) const;
     void PlanImage(FramePlan& plan) const;
+    void PlanParts(FramePlan& plan) const;
+    [[nodiscard]] uint32_t LineStatusLocked() const;
+    [[nodiscard]] CameraSettings StoredSet(int64_t set) const;
+    void Count();
+    void EndTimer();
+    void TimerStarted();
     void NotifyChanged();
     template <class Call>
     void Tell(Call call);
@@ -168,6 +198,13 @@ private:
     Absence m_absence;
     CameraBus* m_bus = nullptr;
     std::atomic<bool> m_lost{false};
+    std::array<CameraSettings, userSetCount - 1> m_userSets;
+    int64_t m_startupSet = 0;
+    int64_t m_counter = 0;
+    bool m_timerActive = false;
+    mutable ToneSettings m_toneMade; // what the curve was made from
+    mutable ToneCurve m_tone;
+    DeviceFiles m_files;
     int64_t m_adjusted = 0; // when the automatic exposure last took a step
     double m_temperatureTold = 0;
     Drift m_temperature;

@@ -6,7 +6,8 @@ namespace zqgentl {
 
 namespace {
 
-constexpr uint16_t eventIds[eventKindCount] = {0x9C40, 0x9C41, 0x9C42, 0x4FFF, 0x9C43};
+constexpr uint16_t eventIds[eventKindCount] = {0x9C40, 0x9C41, 0x9C42, 0x4FFF, 0x9C43,
+                                               0x9C50, 0x9C51, 0x9C60, 0x9C70};
 
 constexpr size_t gvcpHeaderSize = 8;
 constexpr size_t gvcpItemSize = 16;
@@ -40,7 +41,15 @@ private:
 };
 
 bool BelongsToFrame(EventKind kind) {
-    return kind != EventKind::Test;
+    switch (kind) {
+    case EventKind::ExposureEnd:
+    case EventKind::FrameStart:
+    case EventKind::FrameEnd:
+    case EventKind::Error:
+        return true;
+    default:
+        return false;
+    }
 }
 
 std::string GevItem(const CameraEvent& event) {

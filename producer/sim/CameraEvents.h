@@ -14,8 +14,12 @@ enum class EventKind : uint32_t {
     FrameEnd,
     Test,
     Error,
+    Line0RisingEdge,
+    Line0FallingEdge,
+    Counter0End,
+    Timer0End,
 };
-constexpr uint32_t eventKindCount = 5;
+constexpr uint32_t eventKindCount = 9;
 
 /// A set of events, one bit each.
 using EventMask = uint32_t;

@@ -27,6 +27,9 @@ void BindCameraRegisters(Camera& camera, RegisterMap& map) {
     BindImageRegisters(camera, map);
     BindAcquisitionRegisters(camera, map);
     BindStreamingRegisters(camera, map);
+    BindAnalogRegisters(camera, map);
+    BindControlRegisters(camera, map);
+    BindFileRegisters(camera, map);
     BindSimulationRegisters(camera, map);
     const Description& description = *camera.Model().cameraDescription;
     map.AddMemory(descriptionAddress, description.data, description.size);

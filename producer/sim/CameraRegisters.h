@@ -16,6 +16,9 @@ void BindDeviceRegisters(Camera& camera, RegisterMap& map);
 void BindImageRegisters(Camera& camera, RegisterMap& map);
 void BindAcquisitionRegisters(Camera& camera, RegisterMap& map);
 void BindStreamingRegisters(Camera& camera, RegisterMap& map);
+void BindAnalogRegisters(Camera& camera, RegisterMap& map);
+void BindControlRegisters(Camera& camera, RegisterMap& map);
+void BindFileRegisters(Camera& camera, RegisterMap& map);
 void BindSimulationRegisters(Camera& camera, RegisterMap& map);
 
 inline int64_t Whole(const RegisterValue& value) {
@@ -43,6 +46,19 @@ template <auto Member, int64_t Min, int64_t Max>
 void SetLockable(Camera& camera, const RegisterValue& value) {
     CheckRange("the value", Whole(value), Min, Max);
     camera.Apply(Camera::Lockable::Yes, [&](CameraSettings& settings) { settings.*Member = Whole(value); });
+}
+
+/// A member of a part of the settings.
+template <auto Part, auto Member>
+RegisterValue GetIn(const Camera& camera) {
+    return Value(camera.Settings().*Part.*Member);
+}
+
+template <auto Part, auto Member, int64_t Min, int64_t Max>
+void SetIn(Camera& camera, const RegisterValue& value) {
+    CheckRange("the value", Whole(value), Min, Max);
+    camera.Apply(Camera::Lockable::No,
+                 [&](CameraSettings& settings) { settings.*Part.*Member = Whole(value); });
 }
 
 /// A selector with few entries, none of which has a state of its own.

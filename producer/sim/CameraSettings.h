@@ -3,6 +3,9 @@
 #include "producer/sim/CameraEvents.h"
 #include "producer/sim/Chunks.h"
 #include "producer/sim/Faults.h"
+#include "producer/sim/Lines.h"
+#include "producer/sim/Parts.h"
+#include "producer/sim/ToneCurve.h"
 
 #include <cstdint>
 
@@ -45,7 +48,20 @@ struct CameraSettings {
     int64_t triggerSource = static_cast<int64_t>(TriggerSource::Software);
     int64_t triggerActivation = static_cast<int64_t>(TriggerActivation::RisingEdge);
     double triggerDelayUs = 0.0;
-    double gainDb = 0.0;
+    ToneSettings tone;
+    int64_t lutIndex = 0;
+
+    LineSettings lines;
+    CounterSettings counter;
+    TimerSettings timer;
+
+    int64_t userSetSelector = 0;
+    int64_t actionDeviceKey = 0;
+    int64_t actionGroupKey = 0;
+    int64_t actionGroupMask = 0;
+
+    int64_t componentSelector = 0;
+    ComponentMask components = MaskOf(Component::Intensity);
 
     int64_t chunkModeActive = 0;
     int64_t chunkSelector = 0;
@@ -71,6 +87,13 @@ constexpr double exposureTimeMinUs = 10.0;
 constexpr double exposureTimeMaxUs = 1e6;
 constexpr double frameRateMin = 0.1;
 constexpr double gainMaxDb = 24.0;
+constexpr double blackLevelMax = 64.0;
+constexpr double gammaMin = 0.25;
+constexpr double gammaMax = 4.0;
+constexpr double timerMaxUs = 1e7;
+constexpr int64_t counterMax = 0x7FFFFFFF;
+/// Default, which no one can write, and two of the user's own.
+constexpr int64_t userSetCount = 3;
 constexpr double triggerDelayMaxUs = 1e6;
 constexpr int64_t binningMax = 4;
 

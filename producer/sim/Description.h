@@ -26,6 +26,7 @@ extern const Description device_u3v;
 extern const Description device_gev;
 extern const Description device_cxp;
 extern const Description stream;
+extern const Description buffer;
 extern const Description camera_u3v;
 extern const Description camera_gev;
 extern const Description camera_cxp;

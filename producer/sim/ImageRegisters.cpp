@@ -65,6 +65,23 @@ void SetPixelFormat(Camera& camera, const RegisterValue& value) {
                  [&](CameraSettings& settings) { settings.pixelFormat = Whole(value); });
 }
 
+RegisterValue GetComponent(const Camera& camera) {
+    const CameraSettings settings = camera.Settings();
+    return Value(int64_t{(settings.components >> settings.componentSelector) & 1});
+}
+
+void SetComponent(Camera& camera, const RegisterValue& value) {
+    CheckRange("ComponentEnable", Whole(value), 0, 1);
+    camera.Apply(Camera::Lockable::Yes, [&](CameraSettings& settings) {
+        if (settings.componentSelector == static_cast<int64_t>(Component::Intensity))
+            throw Failure(GenTL::GC_ERR_ACCESS_DENIED, "the component Intensity is always on");
+        const auto bit = ComponentMask{1} << settings.componentSelector;
+        settings.components = Whole(value) != 0 ? settings.components | bit : settings.components & ~bit;
+    });
+}
+
+constexpr int64_t lastComponent = componentCount - 1;
+
 constexpr RegisterRow<Camera> rows[] = {
     {0x0400, 4, Integer, [](const Camera& c) { return Value(int64_t{c.Model().sensorWidth}); }, nullptr},
     {0x0404, 4, Integer, [](const Camera& c) { return Value(int64_t{c.Model().sensorHeight}); }, nullptr},
@@ -80,6 +97,8 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x0434, 4, Integer, Get<&S::reverseY>, SetWhole<&S::reverseY, 0, 1>},
     {0x0438, 4, Integer, [](const Camera& c) { return Value(WidthMax(c.Model(), c.Settings())); }, nullptr},
     {0x043C, 4, Integer, [](const Camera& c) { return Value(HeightMax(c.Model(), c.Settings())); }, nullptr},
+    {0x0444, 4, Integer, Get<&S::componentSelector>, SetWhole<&S::componentSelector, 0, lastComponent>},
+    {0x0448, 4, Integer, GetComponent, SetComponent},
     {0x0440, 4, Integer, Get<&S::seed>, SetWhole<&S::seed, 0, 0xFFFFFFFF>},
 };
 

@@ -2,15 +2,11 @@
 
 #include "producer/sim/PixelFormat.h"
 #include "producer/sim/Scene.h"
+#include "producer/sim/ToneCurve.h"
 
-#include <memory>
 #include <vector>
 
 namespace zqgentl {
-
-/// What happens to every value on its way from the sensor: gain, black level, gamma and look-up table in one.
-/// The table has one entry for each of 16 bits; none at all leaves values as they are.
-using ToneCurve = std::shared_ptr<const std::vector<uint16_t>>;
 
 /// Draws pictures of a scene in a pixel format. Keeps the room that it needs for a line, so a thread that
 /// draws has one of its own.

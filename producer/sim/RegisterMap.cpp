@@ -20,7 +20,7 @@ std::string AddressText(uint64_t address) {
 
 Bytes Encode(const RegisterValue& value, RegisterKind kind, size_t length, ByteOrder order) {
     Bytes bytes(length, 0);
-    if (kind == RegisterKind::Text) {
+    if (kind == RegisterKind::Text || kind == RegisterKind::Bytes) {
         const std::string& text = std::get<std::string>(value);
         std::memcpy(bytes.data(), text.data(), std::min(text.size(), length));
     } else if (kind == RegisterKind::Float) {
@@ -36,6 +36,8 @@ Bytes Encode(const RegisterValue& value, RegisterKind kind, size_t length, ByteO
 RegisterValue Decode(const Bytes& bytes, RegisterKind kind, ByteOrder order) {
     if (kind == RegisterKind::Text)
         return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), uint8_t{0}));
+    if (kind == RegisterKind::Bytes)
+        return std::string(bytes.begin(), bytes.end());
     const uint64_t bits = LoadBytes(bytes.data(), bytes.size(), order);
     if (kind == RegisterKind::Float) {
         double number = 0;

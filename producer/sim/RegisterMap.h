@@ -13,8 +13,8 @@
 namespace zqgentl {
 
 /// How the bytes of a register are to be read: a two's complement integer of 1 to 8 bytes, an IEEE 754 number
-/// of 8 bytes, or text padded with zeros.
-enum class RegisterKind { Integer, Float, Text };
+/// of 8 bytes, text padded with zeros, or bytes as they are.
+enum class RegisterKind { Integer, Float, Text, Bytes };
 
 using RegisterValue = std::variant<int64_t, double, std::string>;
 

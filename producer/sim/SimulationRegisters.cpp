@@ -6,19 +6,6 @@ namespace {
 
 constexpr RegisterKind Integer = RegisterKind::Integer;
 
-/// A member of a part of the settings.
-template <auto Part, auto Member>
-RegisterValue GetIn(const Camera& camera) {
-    return Value(camera.Settings().*Part.*Member);
-}
-
-template <auto Part, auto Member, int64_t Min, int64_t Max>
-void SetIn(Camera& camera, const RegisterValue& value) {
-    CheckRange("the value", Whole(value), Min, Max);
-    camera.Apply(Camera::Lockable::No,
-                 [&](CameraSettings& settings) { settings.*Part.*Member = Whole(value); });
-}
-
 constexpr auto Frames = &S::frameFaults;
 constexpr auto Ports = &S::portFaults;
 using F = FrameFaults;

@@ -1,7 +1,8 @@
 # Ids and places are those of sim/CameraEvents.cpp.
 zq_category(EventControl "What the camera reports by itself.")
 zq_enumeration(EventSelector 0x0840 RW "The event that EventNotification is about." SELECTS EventNotification
-    ENTRIES ExposureEnd=0 FrameStart=1 FrameEnd=2 Test=3 Error=4)
+    ENTRIES ExposureEnd=0 FrameStart=1 FrameEnd=2 Test=3 Error=4 Line0RisingEdge=5 Line0FallingEdge=6 Counter0End=7
+    Timer0End=8)
 zq_enumeration(EventNotification 0x0844 RW "Whether this event is sent." NOCACHE ENTRIES Off=0 On=1)
 zq_command(TestEventGenerate 0x0848 "Sends the event Test.")
 
@@ -48,3 +49,7 @@ zq_event(FrameStart 9C41 FRAME)
 zq_event(FrameEnd 9C42 FRAME)
 zq_event(Test 4FFF)
 zq_event(Error 9C43 FRAME CODE)
+zq_event(Line0RisingEdge 9C50)
+zq_event(Line0FallingEdge 9C51)
+zq_event(Counter0End 9C60)
+zq_event(Timer0End 9C70)

@@ -24,6 +24,11 @@ remains." LOCKED STREAMABLE VALID 1 2 4)
 zq_boolean(ReverseX 0x0430 RW "Swaps left and right." STREAMABLE)
 zq_boolean(ReverseY 0x0434 RW "Swaps top and bottom." STREAMABLE)
 zq_enumeration(PixelFormat 0x0420 RW "Format of a pixel." LOCKED STREAMABLE ENTRIES ${PIXEL_FORMATS})
+zq_enumeration(ComponentSelector 0x0444 RW "The component that ComponentEnable is about." SELECTS ComponentEnable
+    ENTRIES Intensity=0 Confidence=1)
+zq_formula(ComponentEnableLocked "(COMPONENT = 0) || (LOCKED = 1)" COMPONENT=ComponentSelectorReg LOCKED=TLParamsLocked)
+zq_boolean(ComponentEnable 0x0448 RW "Whether frames have this component; with more than one, frames have parts."
+    NOCACHE LOCKED_BY ComponentEnableLocked)
 zq_enumeration(TestPattern 0x0424 RW "What the camera sees." STREAMABLE
     ENTRIES GreyDiagonalRampMoving=0 GreyHorizontalRampMoving=1 GreyVerticalRampMoving=2 Black=3 White=4
     GreyDiagonalRamp=5 GreyHorizontalRamp=6 GreyVerticalRamp=7 ColorBar=8 ColorBarMoving=9 ColorRampMoving=10

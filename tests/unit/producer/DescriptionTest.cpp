@@ -84,7 +84,7 @@ protected:
     void ExpectRegisters(void* port, const pugi::xml_node& root, const std::string& portName) {
         size_t registers = 0;
         for (const pugi::xml_node node : root.children()) {
-            if (node.child_value("pPort") != portName)
+            if (node.child_value("pPort") != portName || !node.child("Length"))
                 continue;
             ++registers;
             const uint64_t address = std::stoull(node.child_value("Address"), nullptr, 0);
@@ -213,7 +213,7 @@ TEST_F(Descriptions, OfGigEVisionModulesHaveTheirOwnFeatures) {
     ExpectModule(interface, "TLInterface", "InterfacePort",
                  {"GevInterfaceGatewaySelector", "GevInterfaceGateway", "GevInterfaceMACAddress",
                   "GevInterfaceSubnetSelector", "GevInterfaceSubnetIPAddress", "GevInterfaceSubnetMask",
-                  "GevDeviceIPAddress", "GevDeviceSubnetMask", "GevDeviceMACAddress"});
+                  "GevDeviceIPAddress", "GevDeviceSubnetMask", "GevDeviceMACAddress", "ActionCommand"});
     ExpectModule(device, "TLDevice", "DevicePort",
                  {"GevDeviceMACAddress", "GevDeviceIPAddress", "GevDeviceSubnetMask", "GevDeviceGateway",
                   "DeviceEndianessMechanism"});
@@ -248,12 +248,27 @@ TEST_F(Descriptions, OldUrlListHasOneUrlWithItsSchema) {
     EXPECT_EQ(list[size - 1], '\0');
 }
 
-TEST_F(Descriptions, BuffersHaveNoPort) {
+TEST_F(Descriptions, BufferShowsItsFrame) {
     Open();
     OpenStream();
-    const BUFFER_HANDLE buffer = Announce(1, 64)[0];
-    char text[64];
-    size_t size = sizeof text;
-    INFO_DATATYPE type = 0;
-    EXPECT_EQ(gentl.GCGetPortInfo(buffer, PORT_INFO_PORTNAME, &type, text, &size), GC_ERR_NOT_IMPLEMENTED);
+    MakeSmallAndFast();
+    Queue(Announce(1, 64));
+    Start(1);
+    const BUFFER_HANDLE buffer = Next();
+    ASSERT_NE(buffer, nullptr);
+    ExpectModule(buffer, "TLBuffer", "BufferPort", {"BufferData", "BufferFrameID", "BufferTimestamp"});
+    const auto read = [&](uint64_t address) {
+        uint64_t value = 0;
+        size_t size = sizeof value;
+        EXPECT_EQ(gentl.GCReadPort(buffer, address, &value, &size), GC_ERR_SUCCESS);
+        return value;
+    };
+    EXPECT_EQ(read(0x310), 64U);
+    EXPECT_EQ(read(0x320), BufferInfo<uint64_t>(buffer, BUFFER_INFO_TIMESTAMP));
+    EXPECT_EQ(read(0x328), 8U);
+    EXPECT_EQ(read(0x100000000), 0x0706050403020100U);
+    uint64_t value = 0;
+    size_t size = 4;
+    EXPECT_EQ(gentl.GCWritePort(buffer, 0x100000000, &value, &size), GC_ERR_ACCESS_DENIED);
+    EXPECT_EQ(gentl.GCReadPort(buffer, 0x100000040, &value, &size), GC_ERR_INVALID_ADDRESS);
 }

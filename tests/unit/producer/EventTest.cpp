@@ -56,7 +56,7 @@ TEST_F(Events, EveryModuleTakesItsTypes) {
     const BUFFER_HANDLE buffer = Announce(1, 64)[0];
     for (void* source : {system, interface, device, stream, buffer})
         EXPECT_EQ(Register(source, EVENT_ERROR), GC_ERR_SUCCESS);
-    for (void* source : {system, interface, device, stream})
+    for (void* source : {system, interface, device, stream, buffer})
         EXPECT_EQ(Register(source, EVENT_MODULE), GC_ERR_SUCCESS);
     for (EVENT_TYPE type : {EVENT_FEATURE_INVALIDATE, EVENT_FEATURE_CHANGE, EVENT_REMOTE_DEVICE}) {
         EXPECT_EQ(Register(device, type), GC_ERR_SUCCESS);

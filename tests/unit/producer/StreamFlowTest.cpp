@@ -283,11 +283,3 @@ TEST_F(StreamFlow, RestartedStreamCountsDeliveriesAnew) {
     EXPECT_EQ(StreamInfo<uint64_t>(STREAM_INFO_NUM_DELIVERED), 1U);
     EXPECT_EQ(StreamInfo<uint64_t>(STREAM_INFO_NUM_STARTED), 3U);
 }
-
-TEST_F(StreamFlow, MissingFunctionsSaySo) {
-    const BUFFER_HANDLE buffer = Announce(1, 64)[0];
-    uint32_t parts = 0;
-    EXPECT_EQ(gentl.DSGetNumBufferParts(stream, buffer, &parts), GC_ERR_NOT_IMPLEMENTED);
-    EXPECT_EQ(gentl.DSGetBufferPartInfo(stream, buffer, 0, 0, nullptr, nullptr, nullptr),
-              GC_ERR_NOT_IMPLEMENTED);
-}
