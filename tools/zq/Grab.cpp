@@ -1,7 +1,9 @@
 #include "tools/zq/Grab.h"
 
+#include "tools/zq/Acquisition.h"
+#include "tools/zq/Chunks.h"
 #include "tools/zq/Failure.h"
-#include "tools/zq/Producers.h"
+#include "tools/zq/FrameWriter.h"
 #include "tools/zq/Progress.h"
 #include "tools/zq/Tally.h"
 
@@ -9,6 +11,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <ostream>
 
 namespace ZqTool {
 
@@ -16,95 +19,17 @@ namespace {
 
 using namespace ZqApi;
 
-constexpr size_t usualBufferCount = 6;
 constexpr uint32_t sliceMs = 100; ///< how soon an interrupt is noticed
-
-bool Answers(const ListedDevice& device, const std::string& name) {
-    if (device.id == name)
-        return true;
-    const IZqDeviceInfo& info = *device.iface->GetIZqDeviceInfo(device.index);
-    const auto same = [&](auto getter) {
-        try {
-            return name == (info.*getter)().c_str();
-        } catch (const CZqGenTLErrorException&) {
-            return false; // the producer has no such text, so nobody can ask for it
-        }
-    };
-    return same(&IZqDeviceInfo::GetSerialNumber) || same(&IZqDeviceInfo::GetUserDefinedName);
-}
-
-/// The camera of that name, or without one the first that can be opened.
-const ListedDevice& Choose(const std::vector<ListedDevice>& devices, const std::string& name) {
-    const auto found = std::find_if(devices.begin(), devices.end(), [&](const ListedDevice& device) {
-        return name.empty() ? device.iface->IsDeviceAvailable(device.index, DEVICE_ACCESS_CONTROL)
-                            : Answers(device, name);
-    });
-    if (found != devices.end())
-        return *found;
-    throw Failure(name.empty() ? "looking for a camera" : "looking for " + name,
-                  devices.empty() ? "the producers report no camera"
-                                  : (name.empty() ? "every camera is in use" : "no camera has that name"),
-                  "check what there is with: zq list", NothingFound);
-}
-
-/// Some producers start only with more buffers than the library's usual six. One that does not tell its
-/// minimum has none.
-void ChooseBufferCount(IZqDataStream& stream) {
-    size_t minimum = 0;
-    try {
-        minimum = stream.GetIZqDataStreamInfo()->GetBufAnnounceMin();
-    } catch (const CZqGenTLErrorException&) {
-        return;
-    }
-    stream.SetStreamBufferCount(std::max(usualBufferCount, minimum));
-}
-
-/// An acquisition that runs: the stream first, then the camera; stopped the other way round.
-class Acquisition {
-public:
-    Acquisition(IZqDevice& device, IZqDataStream& stream) : m_device(device), m_stream(stream) {
-        m_stream.StartAcquisition(GENTL_INFINITE, ACQ_START_FLAGS_DEFAULT);
-        try {
-            m_device.AcquisitionStart();
-        } catch (...) {
-            Drop([this] { m_stream.StopAcquisition(ACQ_STOP_FLAGS_DEFAULT); });
-            throw;
-        }
-    }
-    Acquisition(const Acquisition&) = delete;
-    Acquisition& operator=(const Acquisition&) = delete;
-    ~Acquisition() {
-        if (m_running) {
-            Drop([this] { m_device.AcquisitionStop(); });
-            Drop([this] { m_stream.StopAcquisition(ACQ_STOP_FLAGS_DEFAULT); });
-        }
-    }
-
-    void Stop() {
-        m_device.AcquisitionStop();
-        m_stream.StopAcquisition(ACQ_STOP_FLAGS_DEFAULT);
-        m_running = false;
-    }
-
-private:
-    template <class Step>
-    static void Drop(Step step) {
-        try {
-            step();
-        } catch (const GenICam::GenericException&) {
-        }
-    }
-
-    IZqDevice& m_device;
-    IZqDataStream& m_stream;
-    bool m_running = true;
-};
 
 class Grabber {
 public:
     Grabber(const GrabOptions& options, std::string device, IZqDataStream& stream, const Console& console)
         : m_options(options), m_device(std::move(device)), m_stream(stream),
-          m_progress(console, options.frames) {}
+          m_progress(console, options.frames) {
+        if (!options.folder.empty())
+            m_writer = std::make_unique<FrameWriter>(
+                [this](const Frame& frame) { WriteNumberedFile(frame, m_options.folder, m_options.files); });
+    }
 
     void Run() {
         while (m_tally.Frames() < m_options.frames) {
@@ -114,10 +39,18 @@ public:
         }
     }
 
+    /// Waits until all files are written; returns how often the camera has had to wait for them.
+    uint64_t Finish() {
+        if (!m_writer)
+            return 0;
+        m_writer->Finish();
+        return m_writer->Waits();
+    }
+
     [[nodiscard]] const Tally& Result() const { return m_tally; }
 
 private:
-    [[nodiscard]] std::string Frame() const {
+    [[nodiscard]] std::string FrameName() const {
         return "frame " + std::to_string(m_tally.Frames() + 1) + " of " + std::to_string(m_options.frames) +
                " from " + m_device;
     }
@@ -127,18 +60,18 @@ private:
             std::chrono::steady_clock::now() + std::chrono::milliseconds(m_options.timeoutMs);
         do {
             if (interrupted)
-                throw Failure("grabbing " + Frame(), "interrupted by a signal", "run the command again");
+                throw Failure("grabbing " + FrameName(), "interrupted by a signal", "run the command again");
             const auto left =
                 std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
             const auto slice = static_cast<uint32_t>(std::clamp<int64_t>(left.count(), 0, sliceMs));
-            auto* buffer = Doing("waiting for " + Frame(), [&] {
+            auto* buffer = Doing("waiting for " + FrameName(), [&] {
                 return m_stream.RetrieveBuffer(slice, ZqTimeoutHandling_ReturnNull);
             });
             if (buffer != nullptr)
                 return buffer;
         } while (std::chrono::steady_clock::now() < deadline);
         throw Failure(
-            "waiting for " + Frame(),
+            "waiting for " + FrameName(),
             "-1011 GC_ERR_TIMEOUT: none came within " + std::to_string(m_options.timeoutMs) + " ms",
             "check the camera's trigger mode, see that no other program receives this stream, or give more "
             "time with --timeout",
@@ -147,12 +80,25 @@ private:
 
     void Take(IZqStreamBuffer& buffer) {
         const IZqStreamBufferInfo& info = *buffer.GetIZqStreamBufferInfo();
-        Doing("reading " + Frame(), [&] {
+        Doing("reading " + FrameName(), [&] {
             const bool complete = !info.IsIncomplete();
             m_tally.Count(complete, info.GetSizeFilled(), FrameId(info));
-            if (complete && !m_options.folder.empty())
-                WriteImage(*buffer.GetIZqImage(), m_options.folder, m_tally.Frames(), m_options.format);
+            if (complete && m_writer)
+                Keep(buffer, info);
         });
+    }
+
+    /// Copies the frame for the writer, so that its buffer can be filled again.
+    void Keep(IZqStreamBuffer& buffer, const IZqStreamBufferInfo& info) {
+        IZqImage& image = *buffer.GetIZqImage();
+        const auto* base = static_cast<const uint8_t*>(info.GetBaseAddress());
+        const auto* begin = static_cast<const uint8_t*>(image.GetImageBuffer());
+        const size_t size = info.GetBufferSize();
+        Frame* frame = m_writer->Take();
+        frame->number = m_tally.Frames();
+        frame->CopyFrom(image, begin < base || begin > base + size ? 0 : size - (begin - base));
+        frame->chunks = m_options.chunks ? m_chunks.Values(buffer) : std::string();
+        m_writer->Put(frame);
     }
 
     static std::optional<uint64_t> FrameId(const IZqStreamBufferInfo& info) {
@@ -168,6 +114,8 @@ private:
     IZqDataStream& m_stream;
     Progress m_progress;
     Tally m_tally;
+    ChunkReader m_chunks;
+    std::unique_ptr<FrameWriter> m_writer;
 };
 
 void MakeFolder(const std::string& folder) {
@@ -177,32 +125,33 @@ void MakeFolder(const std::string& folder) {
         throw Failure("making the folder " + folder, error.message(), "choose another folder with -o");
 }
 
+/// The acquisition stops before its files are complete: the camera is not kept waiting for them.
+uint64_t Run(const GrabOptions& options, const Camera& camera, const Console& console, Tally& result) {
+    Acquisition acquisition(camera);
+    Grabber grabber(options, camera.Id(), acquisition.Stream(), console);
+    grabber.Run();
+    acquisition.Stop();
+    result = grabber.Result();
+    return grabber.Finish();
+}
+
 } // namespace
 
 int Grab(const Library& library, const GrabOptions& options, const Console& console) {
-    const auto producers = OpenProducers(library, console);
-    const auto devices = ListDevices(producers);
-    const ListedDevice& chosen = Choose(devices, options.device);
+    const Camera camera(library, options.camera, console);
     if (!options.folder.empty())
         MakeFolder(options.folder);
-
-    const Held<IZqDeviceReleasable> device(Doing("opening " + chosen.id, [&] {
-        return chosen.iface->CreateIZqDevice(chosen.id.c_str(), DEVICE_ACCESS_CONTROL);
-    }));
-    const Held<IZqDataStreamReleasable> stream(Doing(
-        "opening the data stream of " + chosen.id, [&] { return device->CreateIZqDataStream(0, nullptr); }));
-    Doing("setting up the data stream of " + chosen.id, [&] { ChooseBufferCount(*stream); });
-
-    const auto acquisition = Doing("starting the acquisition of " + chosen.id,
-                                   [&] { return std::make_unique<Acquisition>(*device, *stream); });
+    std::optional<ChunkMode> chunks;
+    if (options.chunks)
+        chunks.emplace(camera);
     Tally result;
-    {
-        Grabber grabber(options, chosen.id, *stream, console);
-        grabber.Run();
-        result = grabber.Result();
-    }
-    Doing("stopping the acquisition of " + chosen.id, [&] { acquisition->Stop(); });
-    result.Print(chosen.id, console.out);
+    const uint64_t waits = Run(options, camera, console, result);
+    if (chunks)
+        chunks->PutBack();
+    result.Print(camera.Id(), console.out);
+    if (waits > 0)
+        console.err << "zq: " << camera.Id() << " had to wait " << waits
+                    << " times for files to be written; the disk or the file format is slower than it\n";
     return Done;
 }
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "tools/zq/Commands.h"
+#include "tools/zq/Camera.h"
 #include "tools/zq/ImageFile.h"
-#include "tools/zq/Library.h"
 
 #include <cstdint>
 #include <string>
@@ -10,10 +9,11 @@
 namespace ZqTool {
 
 struct GrabOptions {
-    std::string device; ///< identifier, serial number or user-defined name; empty: the first available one
+    CameraChoice camera;
     uint64_t frames = 1;
     std::string folder; ///< empty: no files
-    FileFormat format = FileFormat::Png;
+    FileOptions files;
+    bool chunks = false; ///< have the camera send chunks, and write them beside the pictures
     uint32_t timeoutMs = 5000;
 };
 

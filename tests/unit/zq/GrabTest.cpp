@@ -1,9 +1,8 @@
 #include "tests/unit/zq/Tool.h"
 
-#include <png.h>
+#include "tests/unit/zq/Decoded.h"
 
 #include <fstream>
-#include <iterator>
 
 using namespace GenTL;
 using ZqTest::ScriptedProducer;
@@ -14,28 +13,6 @@ using Names = std::vector<std::string>;
 
 constexpr uint64_t pixelFormatRegister = 0x108;
 
-/// The samples of a grey PNG, 8 or 16 bits each.
-std::vector<unsigned> ReadGrey(const std::string& path, size_t& width) {
-    std::vector<unsigned> samples;
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr)
-        return samples;
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_init_io(png, file);
-    png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
-    width = png_get_image_width(png, info);
-    const size_t bytes = png_get_bit_depth(png, info) / 8;
-    for (size_t y = 0; y < png_get_image_height(png, info); ++y) {
-        const png_bytep line = png_get_rows(png, info)[y];
-        for (size_t x = 0; x < width; ++x)
-            samples.push_back(bytes == 1 ? line[x] : line[2 * x] << 8 | line[2 * x + 1]);
-    }
-    png_destroy_read_struct(&png, &info, nullptr);
-    std::fclose(file);
-    return samples;
-}
-
 TEST(ZqGrab, WritesOnePictureAFrameAndOneLineOfResult) {
     const ScriptedProducer producer;
     producer.AutoStream(20);
@@ -45,10 +22,9 @@ TEST(ZqGrab, WritesOnePictureAFrameAndOneLineOfResult) {
     EXPECT_EQ(tool.out.str().rfind("DEV1: 3 frames, 3 complete, 0 incomplete, 0 lost, ", 0), 0U)
         << tool.out.str();
     EXPECT_EQ(tool.err.str(), "");
-    size_t width = 0;
-    EXPECT_EQ(ReadGrey(folder.File("new/deep/000002.png"), width), std::vector<unsigned>(64 * 64, 1));
-    EXPECT_EQ(ReadGrey(folder.File("new/deep/000003.png"), width), std::vector<unsigned>(64 * 64, 2));
-    EXPECT_EQ(width, 64U);
+    EXPECT_EQ(ReadPng(folder.File("new/deep/000002.png")).samples, std::vector<unsigned>(64 * 64, 1));
+    EXPECT_EQ(ReadPng(folder.File("new/deep/000003.png")).samples, std::vector<unsigned>(64 * 64, 2));
+    EXPECT_EQ(ReadPng(folder.File("new/deep/000003.png")).width, 64U);
     EXPECT_TRUE(producer.NothingOpen());
 }
 
@@ -83,8 +59,7 @@ TEST(ZqGrab, RawFilesHoldTheBytesAndSayTheirShape) {
     Tool tool;
     ASSERT_EQ(tool.Run({"grab", "-n", "2", "-o", folder.Path(), "--format", "raw"}), 0) << tool.err.str();
     EXPECT_EQ(folder.Names(), (Names{"000001_64x64_Mono8.raw", "000002_64x64_Mono8.raw"}));
-    std::ifstream file(folder.File("000002_64x64_Mono8.raw"), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), std::string(4096, '\1'));
+    EXPECT_EQ(ReadBytes(folder.File("000002_64x64_Mono8.raw")), std::string(4096, '\1'));
 }
 
 TEST(ZqGrab, TenBitSamplesFillTheTopOfASixteenBitPng) {
@@ -95,21 +70,76 @@ TEST(ZqGrab, TenBitSamplesFillTheTopOfASixteenBitPng) {
     const TemporaryFolder folder;
     Tool tool;
     ASSERT_EQ(tool.Run({"grab", "-n", "2", "-o", folder.Path()}), 0) << tool.err.str();
-    size_t width = 0;
-    EXPECT_EQ(ReadGrey(folder.File("000002.png"), width), std::vector<unsigned>(64 * 64, 0x0101 << 6));
+    EXPECT_EQ(ReadPng(folder.File("000002.png")).samples, std::vector<unsigned>(64 * 64, 0x0101 << 6));
 }
 
-TEST(ZqGrab, FormatWithoutPngIsRefusedByName) {
+TEST(ZqGrab, MosaicsKeepTheirPhaseOrBecomeColours) {
     const ScriptedProducer producer;
-    producer.SetRegister<uint32_t>("REMOTE", pixelFormatRegister, 0x010A0046);
+    producer.SetRegister<uint32_t>("REMOTE", pixelFormatRegister, 0x0108000B); // BayerBG8
+    producer.AutoStream(20);
+    const TemporaryFolder folder;
+    Tool tool;
+    ASSERT_EQ(tool.Run({"grab", "-n", "2", "-o", folder.Path()}), 0) << tool.err.str();
+    EXPECT_EQ(ReadPng(folder.File("000002.png")).texts["BayerPhase"], "BG");
+    ASSERT_EQ(tool.Run({"grab", "-n", "2", "-o", folder.Path(), "--demosaic"}), 0) << tool.err.str();
+    EXPECT_EQ(ReadPng(folder.File("000002.png")).samples, std::vector<unsigned>(64 * 64 * 3, 1));
+    EXPECT_EQ(tool.Run({"grab", "-o", folder.Path(), "--demosaic", "--format", "raw"}), 2);
+}
+
+TEST(ZqGrab, UnknownPixelFormatsAreNamed) {
+    const ScriptedProducer producer;
+    producer.SetRegister<uint32_t>("REMOTE", pixelFormatRegister, 0x810A1234);
     producer.AutoStream(20);
     const TemporaryFolder folder;
     Tool tool;
     EXPECT_EQ(tool.Run({"grab", "-o", folder.Path()}), 1);
-    EXPECT_EQ(tool.err.str(),
-              "zq: writing a PNG failed\n"
-              "  why: pixel format Mono10p has no PNG equivalent\n"
-              "  try: write the frames as they are with --format raw, or set the camera to Mono8\n");
+    EXPECT_NE(tool.err.str().find("0x810A1234"), std::string::npos) << tool.err.str();
+    EXPECT_TRUE(producer.NothingOpen());
+}
+
+TEST(ZqGrab, PictureBeyondItsBufferIsRefused) {
+    const ScriptedProducer producer;
+    producer.AutoStream(20);
+    producer.Answer("DSGetBufferInfo").Command(BUFFER_INFO_WIDTH).Value<size_t>(65);
+    const TemporaryFolder folder;
+    Tool tool;
+    EXPECT_EQ(tool.Run({"grab", "-o", folder.Path()}), 1);
+    EXPECT_EQ(tool.err.str(), "zq: reading a picture of 65x64 Mono8 failed\n"
+                              "  why: its buffer holds only 4096 bytes\n"
+                              "  try: try again; if it stays, report it to the producer's maker\n");
+    EXPECT_TRUE(producer.NothingOpen());
+}
+
+TEST(ZqGrab, FilesThatCannotBeWrittenAreNamed) {
+    const ScriptedProducer producer;
+    producer.AutoStream(20);
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.File("000002.tiff"));
+    Tool tool;
+    EXPECT_EQ(tool.Run({"grab", "-n", "3", "-o", folder.Path(), "--format", "tiff"}), 1);
+    EXPECT_EQ(tool.err.str().rfind("zq: writing " + folder.File("000002.tiff") + " failed\n", 0), 0U)
+        << tool.err.str();
+    EXPECT_TRUE(producer.NothingOpen());
+}
+
+TEST(ZqGrab, SettingsAreMadeBeforeTheStart) {
+    const ScriptedProducer producer;
+    producer.AutoStream(20);
+    Tool tool;
+    ASSERT_EQ(tool.Run({"grab", "DEV1", "--set", "Width=32", "--set", "Height=16"}), 0) << tool.err.str();
+    EXPECT_EQ(producer.GetRegister<uint32_t>("REMOTE1", 0x100), 32U);
+    EXPECT_EQ(producer.GetRegister<uint32_t>("REMOTE1", 0x104), 16U);
+    EXPECT_EQ(tool.Run({"grab", "DEV1", "--set", "Width"}), 2);
+    EXPECT_EQ(tool.Run({"grab", "DEV1", "--set", "Depth=1"}), 3);
+}
+
+TEST(ZqGrab, CameraWithoutChunksEndsWith3) {
+    const ScriptedProducer producer;
+    Tool tool;
+    EXPECT_EQ(tool.Run({"grab", "DEV1", "--chunks"}), 3);
+    EXPECT_EQ(tool.err.str(), "zq: looking for ChunkModeActive failed\n"
+                              "  why: DEV1 has no feature of that name\n"
+                              "  try: check what there is with: zq features DEV1 --all\n");
     EXPECT_TRUE(producer.NothingOpen());
 }
 
