@@ -1,8 +1,10 @@
 #include "tools/zq/Commands.h"
 
 #include "tools/zq/Failure.h"
+#include "tools/zq/FeatureTree.h"
 #include "tools/zq/Grab.h"
 #include "tools/zq/List.h"
+#include "tools/zq/Settings.h"
 
 #include <CLI/CLI.hpp>
 
@@ -69,6 +71,68 @@ Action AddGrab(CLI::App& app) {
     return [options](const auto& library, const auto& console) { return Grab(library, *options, console); };
 }
 
+Action AddFeatures(CLI::App& app) {
+    const auto options = std::make_shared<FeatureTreeOptions>();
+    AddCamera(app, options->camera);
+    app.add_flag("--all", options->all, "Also invisible features and those that are not available now");
+    app.add_flag("--json", options->json, "Print JSON");
+    AddSettings(app, options->camera.settings);
+    return [options](const auto& library, const auto& console) {
+        return PrintFeatures(library, *options, console);
+    };
+}
+
+struct FeatureArguments {
+    CameraChoice camera;
+    std::string feature;
+    std::string value;
+};
+
+Action AddGet(CLI::App& app) {
+    const auto arguments = std::make_shared<FeatureArguments>();
+    AddCamera(app, arguments->camera);
+    app.add_option("FEATURE", arguments->feature, "Name of the feature")->required();
+    AddSettings(app, arguments->camera.settings);
+    return [arguments](const auto& library, const auto& console) {
+        return PrintFeature(library, arguments->camera, arguments->feature, console);
+    };
+}
+
+Action AddSet(CLI::App& app) {
+    const auto arguments = std::make_shared<FeatureArguments>();
+    AddCamera(app, arguments->camera);
+    app.add_option("FEATURE", arguments->feature, "Name of the feature")->required();
+    app.add_option("VALUE", arguments->value, "The value; any, for a command to be executed")->required();
+    return [arguments](const auto& library, const auto& console) {
+        return ChangeFeature(library, arguments->camera, arguments->feature, arguments->value, console);
+    };
+}
+
+struct SettingsArguments {
+    CameraChoice camera;
+    std::string file;
+};
+
+template <int (*Command)(const Library&, const std::string&, const CameraChoice&, const Console&)>
+Action AddSettingsFile(CLI::App& app) {
+    const auto arguments = std::make_shared<SettingsArguments>();
+    app.add_option("FILE", arguments->file, "File of settings")->required();
+    AddCamera(app, arguments->camera);
+    AddSettings(app, arguments->camera.settings);
+    return [arguments](const auto& library, const auto& console) {
+        return Command(library, arguments->file, arguments->camera, console);
+    };
+}
+
+Action AddDiff(CLI::App& app) {
+    const auto sides = std::make_shared<std::pair<std::string, std::string>>();
+    app.add_option("A", sides->first, "A file of settings or a camera")->required();
+    app.add_option("B", sides->second, "A file of settings or a camera")->required();
+    return [sides](const auto& library, const auto& console) {
+        return Diff(library, sides->first, sides->second, console);
+    };
+}
+
 struct Command {
     const char* name;
     const char* help;
@@ -78,6 +142,12 @@ struct Command {
 constexpr Command commands[] = {
     {"list", "List the interfaces and cameras that the producers find", AddList},
     {"grab", "Acquire images from a camera", AddGrab},
+    {"features", "Print a camera's features", AddFeatures},
+    {"get", "Print a feature's value", AddGet},
+    {"set", "Set a feature's value", AddSet},
+    {"save", "Write a camera's settings into a file", AddSettingsFile<Save>},
+    {"load", "Write the settings of a file into a camera", AddSettingsFile<Load>},
+    {"diff", "Compare the settings of files and cameras", AddDiff},
 };
 
 int ParseAndRun(int argc, const char* const* argv, const Console& console) {
