@@ -1,5 +1,6 @@
 #include "tools/zq/Commands.h"
 
+#include "tools/zq/Events.h"
 #include "tools/zq/Failure.h"
 #include "tools/zq/FeatureTree.h"
 #include "tools/zq/Grab.h"
@@ -133,6 +134,23 @@ Action AddDiff(CLI::App& app) {
     };
 }
 
+Action AddEvents(CLI::App& app) {
+    const auto options = std::make_shared<EventOptions>();
+    AddCamera(app, options->camera);
+    app.add_option("NAME", options->names, "Events such as FrameStart; all if left out");
+    app.add_flag("--jsonl", options->jsonLines, "Print one JSON object a line");
+    app.add_option("-n,--count", options->count, "End after that many events")
+        ->check(CLI::Range(uint64_t{1}, maxCount));
+    app.add_option("--timeout", options->timeoutMs, "How long to wait for an event, in ms")
+        ->check(CLI::Range(1U, maxTimeoutMs));
+    app.add_flag("--acquire", options->acquire, "Have the camera acquire meanwhile; the frames are dropped");
+    app.add_option("--execute", options->execute,
+                   "Execute this command once the events are on; may be repeated")
+        ->allow_extra_args(false);
+    AddSettings(app, options->camera.settings);
+    return [options](const auto& library, const auto& console) { return Events(library, *options, console); };
+}
+
 struct Command {
     const char* name;
     const char* help;
@@ -148,6 +166,7 @@ constexpr Command commands[] = {
     {"save", "Write a camera's settings into a file", AddSettingsFile<Save>},
     {"load", "Write the settings of a file into a camera", AddSettingsFile<Load>},
     {"diff", "Compare the settings of files and cameras", AddDiff},
+    {"events", "Print a camera's events as they come", AddEvents},
 };
 
 int ParseAndRun(int argc, const char* const* argv, const Console& console) {
