@@ -1,5 +1,6 @@
 #include "tools/zq/Commands.h"
 
+#include "tools/zq/Chart.h"
 #include "tools/zq/Events.h"
 #include "tools/zq/Failure.h"
 #include "tools/zq/FeatureTree.h"
@@ -134,6 +135,26 @@ Action AddDiff(CLI::App& app) {
     };
 }
 
+Action AddChart(CLI::App& app) {
+    const auto options = std::make_shared<ChartOptions>();
+    const auto size = std::make_shared<std::string>();
+    app.add_option("FORMAT", options->pixelFormat, "Pixel format, such as Mono8")->required();
+    app.add_option("SIZE", *size, "Width x height, such as 640x480")->required();
+    app.add_option("-o,--output", options->file, "The file; its ending says the format")->required();
+    app.callback([options, size] {
+        constexpr int maxSide = 65535;
+        int width = 0;
+        int height = 0;
+        char rest = 0;
+        if (std::sscanf(size->c_str(), "%dx%d%c", &width, &height, &rest) != 2 || width < 1 || height < 1 ||
+            width > maxSide || height > maxSide)
+            throw CLI::ValidationError("SIZE", "a size such as 640x480, up to 65535x65535");
+        options->width = static_cast<size_t>(width);
+        options->height = static_cast<size_t>(height);
+    });
+    return [options](const auto& library, const auto& console) { return Chart(library, *options, console); };
+}
+
 Action AddEvents(CLI::App& app) {
     const auto options = std::make_shared<EventOptions>();
     AddCamera(app, options->camera);
@@ -167,6 +188,7 @@ constexpr Command commands[] = {
     {"load", "Write the settings of a file into a camera", AddSettingsFile<Load>},
     {"diff", "Compare the settings of files and cameras", AddDiff},
     {"events", "Print a camera's events as they come", AddEvents},
+    {"chart", "Write a test chart into an image file", AddChart},
 };
 
 int ParseAndRun(int argc, const char* const* argv, const Console& console) {
