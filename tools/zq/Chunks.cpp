@@ -17,15 +17,6 @@ using GenICam::gcstring;
 
 constexpr const char* activeName = "ChunkModeActive";
 
-/// The camera's value of a switch, before it is switched on.
-std::string SwitchOn(const Camera& camera) {
-    IValue& active = FindFeature(camera.Features(), activeName, camera.Id());
-    const std::string before = Doing(std::string("reading ") + activeName + " of " + camera.Id(),
-                                     [&] { return std::string(active.ToString().c_str()); });
-    SetFeature(camera.Features(), activeName, "1", camera.Id());
-    return before;
-}
-
 /// Whether the register's bytes come with the frame.
 bool LiesInChunk(INode& reg) {
     gcstring port;
@@ -55,25 +46,36 @@ std::vector<gcstring> ChunkFeatures(INodeMap& chunks) {
 
 } // namespace
 
-ChunkMode::ChunkMode(const Camera& camera)
-    : m_camera(camera), m_activeBefore(SwitchOn(camera)), m_enable(camera, "ChunkSelector", "ChunkEnable") {
-    for (const auto& chunk : m_enable.Entries())
-        m_enable.Set(chunk, "1");
+ChunkMode::Active::Active(const Camera& camera) : m_camera(camera) {
+    IValue& active = FindFeature(camera.Features(), activeName, camera.Id());
+    const std::string before = Doing(std::string("reading ") + activeName + " of " + camera.Id(),
+                                     [&] { return std::string(active.ToString().c_str()); });
+    SetFeature(camera.Features(), activeName, "1", camera.Id());
+    m_before = before;
 }
 
-ChunkMode::~ChunkMode() {
+ChunkMode::Active::~Active() {
     try {
         PutBack();
     } catch (const Failure&) {
     }
 }
 
+void ChunkMode::Active::PutBack() {
+    const std::string before = std::exchange(m_before, {});
+    if (!before.empty())
+        SetFeature(m_camera.Features(), activeName, before, m_camera.Id());
+}
+
+ChunkMode::ChunkMode(const Camera& camera)
+    : m_active(camera), m_enable(camera, "ChunkSelector", "ChunkEnable") {
+    for (const auto& chunk : m_enable.Entries())
+        m_enable.Set(chunk, "1");
+}
+
 void ChunkMode::PutBack() {
-    if (m_activeBefore.empty())
-        return;
-    const std::string before = std::exchange(m_activeBefore, {});
     m_enable.PutBack();
-    SetFeature(m_camera.Features(), activeName, before, m_camera.Id());
+    m_active.PutBack();
 }
 
 std::string ChunkReader::Values(ZqApi::IZqStreamBuffer& buffer) {

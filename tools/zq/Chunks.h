@@ -10,19 +10,29 @@ namespace ZqTool {
 /// that has stopped.
 class ChunkMode {
 public:
-    /// Throws Failure for a camera without chunks.
+    /// Throws Failure for a camera without chunks, with all as it was.
     explicit ChunkMode(const Camera& camera);
-    ChunkMode(const ChunkMode&) = delete;
-    ChunkMode& operator=(const ChunkMode&) = delete;
-    /// Puts back, without a word of what fails in it.
-    ~ChunkMode();
 
     /// Throws Failure when something can't be put back.
     void PutBack();
 
 private:
-    const Camera& m_camera;
-    std::string m_activeBefore;
+    /// ChunkModeActive, switched on; put back at the end, without a word of what fails in it.
+    class Active {
+    public:
+        explicit Active(const Camera& camera);
+        Active(const Active&) = delete;
+        Active& operator=(const Active&) = delete;
+        ~Active();
+        void PutBack();
+
+    private:
+        const Camera& m_camera;
+        std::string m_before;
+    };
+
+    // The chunks can be chosen while the mode is active only.
+    Active m_active;
     SelectedSwitch m_enable;
 };
 
