@@ -18,7 +18,7 @@ public:
     using Write = std::function<void(const Frame&)>;
 
     /// `write` is called on the writer's thread, for each frame in turn.
-    explicit FrameWriter(Write write, size_t capacity = 16);
+    explicit FrameWriter(Write write, size_t capacity = 8);
     FrameWriter(const FrameWriter&) = delete;
     FrameWriter& operator=(const FrameWriter&) = delete;
     /// Drops what still waits.

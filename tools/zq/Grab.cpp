@@ -39,7 +39,7 @@ public:
         }
     }
 
-    /// Waits until all files are written; returns how often the camera has had to wait for them.
+    /// Waits until all files are written; returns how often frames have had to wait for them.
     uint64_t Finish() {
         if (!m_writer)
             return 0;
@@ -150,8 +150,8 @@ int Grab(const Library& library, const GrabOptions& options, const Console& cons
         chunks->PutBack();
     result.Print(camera.Id(), console.out);
     if (waits > 0)
-        console.err << "zq: " << camera.Id() << " had to wait " << waits
-                    << " times for files to be written; the disk or the file format is slower than it\n";
+        console.err << "zq: " << camera.Id() << ": waits for files to be written: " << waits
+                    << "; the disk or the file format is slower than the camera\n";
     return Done;
 }
 

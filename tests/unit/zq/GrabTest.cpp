@@ -2,7 +2,11 @@
 
 #include "tests/unit/zq/Decoded.h"
 
+#include <sys/stat.h>
+
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 using namespace GenTL;
 using ZqTest::ScriptedProducer;
@@ -120,6 +124,28 @@ TEST(ZqGrab, FilesThatCannotBeWrittenAreNamed) {
     EXPECT_EQ(tool.err.str().rfind("zq: writing " + folder.File("000002.tiff") + " failed\n", 0), 0U)
         << tool.err.str();
     EXPECT_TRUE(producer.NothingOpen());
+}
+
+// The first file is a pipe, which takes nothing until somebody reads from it.
+TEST(ZqGrab, SlowFilesDoNotStallTheFirstFramesAndAreReported) {
+    const ScriptedProducer producer;
+    producer.AutoStream(20);
+    const TemporaryFolder folder;
+    const std::string pipe = folder.File("000001_64x64_Mono8.raw");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::string read;
+    std::thread reader([&] {
+        // Six buffers are queued at the start, and eight frames are retrieved and given back meanwhile.
+        EXPECT_TRUE(producer.WaitForCalls("DSQueueBuffer", 6 + 8));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        read = ReadBytes(pipe);
+    });
+    Tool tool;
+    EXPECT_EQ(tool.Run({"grab", "-n", "12", "-o", folder.Path(), "--format", "raw"}), 0) << tool.err.str();
+    reader.join();
+    EXPECT_EQ(read, std::string(4096, '\0'));
+    EXPECT_EQ(tool.err.str().rfind("zq: DEV1: waits for files to be written: ", 0), 0U) << tool.err.str();
+    EXPECT_EQ(folder.Names().size(), 12U);
 }
 
 TEST(ZqGrab, SettingsAreMadeBeforeTheStart) {
