@@ -39,6 +39,8 @@ int Chart(const Library&, const ChartOptions& options, const Console& console) {
     Frame frame;
     Doing("drawing a chart in " + options.pixelFormat, [&] {
         const Held<IZqImageBufferReleasable> buffer(CreateIZqImageBuffer(nullptr));
+        // Charts leave the alpha of their patches as the memory had it: opaque.
+        buffer->CreateBuffer(options.width, options.height, format, ZqMemoryInitialization_FFFill);
         buffer->CreateBuffer(options.width, options.height, format, ZqMemoryInitialization_TestChart);
         // The image fills memory of its own, as much as it needs.
         frame.CopyFrom(*buffer->GetIZqImage(), std::numeric_limits<size_t>::max());

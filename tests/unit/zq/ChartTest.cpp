@@ -40,6 +40,21 @@ TEST(ZqChart, EndingOfTheFileSaysItsFormat) {
     EXPECT_EQ(ReadBytes(folder.File("a.raw")).size(), 72U * 12);
 }
 
+TEST(ZqChart, PatchesWithAlphaAreOpaque) {
+    const TemporaryFolder folder;
+    Tool tool;
+    ASSERT_EQ(tool.Run({"chart", "BGRa8", "79x47", "-o", folder.File("a.png")}), 0) << tool.err.str();
+    ASSERT_EQ(tool.Run({"chart", "BGR8", "79x47", "-o", folder.File("b.png")}), 0) << tool.err.str();
+    const Decoded with = ReadPng(folder.File("a.png"));
+    const Decoded without = ReadPng(folder.File("b.png"));
+    ASSERT_EQ(with.channels, 4U);
+    for (size_t i = 0; i < without.samples.size() / 3; ++i) {
+        ASSERT_EQ(with.samples[4 * i], without.samples[3 * i]);
+        const bool isGround = with.samples[4 * i] + with.samples[4 * i + 1] + with.samples[4 * i + 2] == 0;
+        ASSERT_EQ(with.samples[4 * i + 3], isGround ? 0U : 255U) << "pixel " << i;
+    }
+}
+
 TEST(ZqChart, FormatsWithoutChartSaySo) {
     const TemporaryFolder folder;
     Tool tool;
