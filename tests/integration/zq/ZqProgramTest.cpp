@@ -74,4 +74,21 @@ TEST(ZqProgram, ExitCodes) {
     EXPECT_EQ(RunProgram("list", "GENICAM_GENTL64_PATH='" ZQ_SCRIPTED_FOLDER "/without_GCInitLib'").code, 1);
 }
 
+TEST(ZqProgram, InterruptEndsEventsWellAndGrabsNot) {
+    const std::string after1s = "unset GENICAM_GENTL64_PATH; timeout --preserve-status -s INT 1";
+    const Result events = RunProgram("events SIM-U3V-0001 FrameStart --acquire", after1s);
+    EXPECT_EQ(events.code, 0);
+    EXPECT_EQ(events.out.rfind("FrameStart 9C41 ", 0), 0U) << events.out;
+    EXPECT_EQ(RunProgram("grab SIM-U3V-0001 -n 1000000", after1s).code, 1);
+}
+
+TEST(ZqProgram, ChartNeedsNoCamera) {
+    EXPECT_EQ(RunProgram("chart Mono8 64x48 -o /dev/null.gif").code, 2);
+    std::string name = (std::filesystem::temp_directory_path() / "zq-chart-XXXXXX").string();
+    const std::filesystem::path folder = mkdtemp(name.data());
+    EXPECT_EQ(RunProgram("chart Mono8 64x48 -o " + (folder / "a.pgm").string(), "").code, 0);
+    EXPECT_EQ(Read(folder / "a.pgm").rfind("P5\n# PixelFormat=Mono8\n64 48\n255\n", 0), 0U);
+    std::filesystem::remove_all(folder);
+}
+
 } // namespace
