@@ -13,7 +13,7 @@ FrameWriter::FrameWriter(Write write, size_t capacity) : m_write(std::move(write
 FrameWriter::~FrameWriter() {
     {
         const std::lock_guard lock(m_mutex);
-        m_ends = m_drops = true;
+        m_ends = true;
     }
     m_changed.notify_all();
     if (m_thread.joinable())
@@ -61,7 +61,7 @@ void FrameWriter::Run() {
     std::unique_lock lock(m_mutex);
     while (true) {
         m_changed.wait(lock, [this] { return m_ends || !m_filled.empty(); });
-        if (m_drops || m_filled.empty())
+        if (m_filled.empty())
             return;
         Frame* frame = m_filled.front();
         m_filled.pop_front();

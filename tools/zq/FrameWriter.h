@@ -21,7 +21,7 @@ public:
     explicit FrameWriter(Write write, size_t capacity = 8);
     FrameWriter(const FrameWriter&) = delete;
     FrameWriter& operator=(const FrameWriter&) = delete;
-    /// Drops what still waits.
+    /// Writes what still waits, without a word of what fails in it.
     ~FrameWriter();
 
     /// A frame to fill and give to Put. Waits while all are in use. Throws what writing threw.
@@ -43,7 +43,6 @@ private:
     std::deque<Frame*> m_filled;
     uint64_t m_waits = 0;
     bool m_ends = false;
-    bool m_drops = false;
     std::exception_ptr m_failure;
     std::mutex m_mutex;
     std::condition_variable m_changed;

@@ -195,6 +195,15 @@ TEST(ZqGrab, NoFrameInTimeEndsWith5) {
     EXPECT_TRUE(producer.NothingOpen());
 }
 
+TEST(ZqGrab, FramesBeforeAFailureAreWritten) {
+    const ScriptedProducer producer;
+    producer.AutoStream(4);
+    const TemporaryFolder folder;
+    Tool tool;
+    EXPECT_EQ(tool.Run({"grab", "-n", "5", "-o", folder.Path(), "--timeout", "50"}), 5);
+    EXPECT_EQ(folder.Names(), (Names{"000001.png", "000002.png", "000003.png", "000004.png"}));
+}
+
 TEST(ZqGrab, RefusedCameraEndsWith1AndTheProducersWords) {
     const ScriptedProducer producer;
     producer.Answer("IFOpenDevice").With(GC_ERR_ACCESS_DENIED).Saying("taken by host 7");
