@@ -13,14 +13,18 @@ std::atomic<bool> hasFailed{false};
 std::atomic<size_t> limit{SIZE_MAX};
 thread_local uint64_t allocationsOfThread = 0;
 thread_local uint64_t untilFailureOfThread = 0;
+thread_local bool isSpared = false;
+thread_local int pauses = 0;
 
 bool MustFail(size_t size) {
+    if (pauses > 0)
+        return false;
     ++allocations;
     ++allocationsOfThread;
     if (size > limit.load())
         return true;
     bool fails = untilFailureOfThread != 0 && --untilFailureOfThread == 0;
-    uint64_t left = untilFailure.load();
+    uint64_t left = isSpared ? 0 : untilFailure.load();
     while (left != 0 && !untilFailure.compare_exchange_weak(left, left - 1)) {
     }
     fails = fails || left == 1;
@@ -57,15 +61,25 @@ FailingAllocation::FailingAllocation(uint64_t n, Threads threads) {
         untilFailureOfThread = n;
     else
         untilFailure = n;
+    isSpared = threads == Threads::Others;
 }
 
 FailingAllocation::~FailingAllocation() {
+    isSpared = false;
     untilFailureOfThread = 0;
     untilFailure = 0;
 }
 
 bool FailingAllocation::Failed() const {
     return hasFailed;
+}
+
+SparedAllocations::SparedAllocations() {
+    ++pauses;
+}
+
+SparedAllocations::~SparedAllocations() {
+    --pauses;
 }
 
 AllocationLimit::AllocationLimit(size_t bytes) {

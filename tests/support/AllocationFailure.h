@@ -8,7 +8,7 @@
 /// malloc and the scripted producer are not affected.
 namespace ZqTest {
 
-enum class Threads { This, Any };
+enum class Threads { This, Any, Others };
 
 /// While it lives, the n-th allocation from its construction on throws std::bad_alloc (1: the next one), or
 /// gives null from the nothrow forms. Only that one fails. One at a time.
@@ -21,6 +21,16 @@ public:
 
     /// True once the allocation has failed.
     [[nodiscard]] bool Failed() const;
+};
+
+/// While it lives, allocations of this thread neither fail nor count: a test's own ones between those that it
+/// is about.
+class SparedAllocations {
+public:
+    SparedAllocations();
+    SparedAllocations(const SparedAllocations&) = delete;
+    SparedAllocations& operator=(const SparedAllocations&) = delete;
+    ~SparedAllocations();
 };
 
 /// While it lives, every allocation above that many bytes fails, on any thread.

@@ -1,5 +1,7 @@
 #include "tests/support/scripted_producer/CallLog.h"
 
+#include "tests/support/scripted_producer/Control.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -76,7 +78,7 @@ uint64_t CallLog::At(const Counts& counts, const std::string& key) {
     return found == counts.end() ? 0 : found->second;
 }
 
-uint64_t CallLog::Add(const Call& call, const std::vector<std::string>& handleSymbols) {
+uint64_t CallLog::Add(const Call& call, const std::vector<std::string>& handleSymbols, bool onOpener) {
     ++m_counts[call.function];
     ++m_lastNumber;
     if (m_left.count(call.function) != 0)
@@ -88,7 +90,7 @@ uint64_t CallLog::Add(const Call& call, const std::vector<std::string>& handleSy
             text += ", ";
         text += argument.kind == Call::Argument::Kind::Handle ? *symbol++ : Show(argument);
     }
-    m_lines.push_back({m_lastNumber, call.function, text + ")"});
+    m_lines.push_back({m_lastNumber, call.function, onOpener, text + ")"});
     return m_lastNumber;
 }
 
@@ -114,16 +116,31 @@ void CallLog::Reset() {
     m_closed.clear();
 }
 
-std::string CallLog::Text(const std::string& function) const {
+template <class Wanted>
+std::string CallLog::Lines(Wanted wanted) const {
     std::string text;
     for (const auto& line : m_lines) {
-        if (!function.empty() && function != line.function)
+        if (!wanted(line))
             continue;
         if (!text.empty())
             text += "\n";
         text += line.text;
     }
     return text;
+}
+
+std::string CallLog::Text(const std::string& function) const {
+    return Lines([&](const Line& line) { return function.empty() || function == line.function; });
+}
+
+std::string CallLog::TextOfThreads(int threads) const {
+    return Lines([&](const Line& line) {
+        return threads == ZQSP_ANY_THREAD || line.onOpener == (threads == ZQSP_OPENING_THREAD);
+    });
+}
+
+std::string CallLog::LineText(uint64_t number) const {
+    return Lines([&](const Line& line) { return line.number == number; });
 }
 
 } // namespace Scripted

@@ -15,11 +15,15 @@ namespace Scripted {
 class CallLog {
 public:
     /// Returns the number that Finish takes.
-    uint64_t Add(const Call& call, const std::vector<std::string>& handleSymbols);
+    uint64_t Add(const Call& call, const std::vector<std::string>& handleSymbols, bool onOpener);
     void Finish(uint64_t number, const Call& call, GenTL::GC_ERROR result);
 
     /// The lines of one function, or of all when it is empty.
     [[nodiscard]] std::string Text(const std::string& function) const;
+    /// The lines of those threads (ZQSP_ANY_THREAD and the others).
+    [[nodiscard]] std::string TextOfThreads(int threads) const;
+    /// The line of that number, empty when it was not kept.
+    [[nodiscard]] std::string LineText(uint64_t number) const;
     void Clear() { m_lines.clear(); }
     void Reset();
     void Leave(const std::string& function) { m_left.insert(function); }
@@ -32,8 +36,11 @@ private:
     struct Line {
         uint64_t number;
         const char* function;
+        bool onOpener;
         std::string text;
     };
+    template <class Wanted>
+    [[nodiscard]] std::string Lines(Wanted wanted) const;
     using Counts = std::map<std::string, uint64_t>;
 
     static uint64_t At(const Counts& counts, const std::string& key);

@@ -19,6 +19,13 @@ std::string TextOf(const char* text) {
     return text == nullptr ? std::string() : std::string(text);
 }
 
+/// Copies a text with its terminator where there is room, and returns the size that it takes.
+size_t GiveText(const std::string& given, char* text, size_t capacity) {
+    if (text != nullptr && capacity > given.size())
+        std::memcpy(text, given.c_str(), given.size() + 1);
+    return given.size() + 1;
+}
+
 std::optional<std::vector<uint8_t>> BytesOf(const void* bytes, size_t size) {
     if (bytes == nullptr)
         return std::nullopt;
@@ -133,12 +140,30 @@ void Zqsp_Release(uint32_t id) {
         rule->Release();
 }
 
+size_t Zqsp_Answered(uint32_t id, char* text, size_t capacity) {
+    Lock lock;
+    const auto rule = Locked(lock).script.Find(id);
+    return GiveText(rule == nullptr ? std::string() : rule->answered, text, capacity);
+}
+
+uint32_t Zqsp_WaitingForEvents() {
+    Lock lock;
+    uint32_t waiting = 0;
+    Locked(lock).modules.ForEach<EventModule>([&](const EventModule& event) {
+        if (event.queue.empty() && event.kills == 0)
+            waiting += event.waiting;
+    });
+    return waiting;
+}
+
 size_t Zqsp_Log(const char* function, char* text, size_t capacity) {
     Lock lock;
-    const std::string log = Locked(lock).log.Text(TextOf(function));
-    if (text != nullptr && capacity > log.size())
-        std::memcpy(text, log.c_str(), log.size() + 1);
-    return log.size() + 1;
+    return GiveText(Locked(lock).log.Text(TextOf(function)), text, capacity);
+}
+
+size_t Zqsp_LogOfThreads(int threads, char* text, size_t capacity) {
+    Lock lock;
+    return GiveText(Locked(lock).log.TextOfThreads(threads), text, capacity);
 }
 
 void Zqsp_ClearLog() {

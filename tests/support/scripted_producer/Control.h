@@ -24,6 +24,9 @@ extern "C" {
 /* Which of the two calls of a text query a rule is for. */
 enum { ZQSP_ANY_QUERY = 0, ZQSP_SIZE_QUERY = 1, ZQSP_DATA_QUERY = 2 };
 
+/* Which threads a rule is for: the one that called GCInitLib last, or the others. */
+enum { ZQSP_ANY_THREAD = 0, ZQSP_OPENING_THREAD = 1, ZQSP_OTHER_THREADS = 2 };
+
 /* Outputs that a rule leaves alone. */
 enum { ZQSP_NO_DATA = 1, ZQSP_NO_SIZE = 2, ZQSP_NO_TYPE = 4 };
 
@@ -32,8 +35,8 @@ enum { ZQSP_NO_DATA = 1, ZQSP_NO_SIZE = 2, ZQSP_NO_TYPE = 4 };
  * rule that matches a call decides; every matching rule counts the call.
  */
 typedef struct ZqspRule {
-    const char* function;
-
+    const char* function; /* null or empty: any */
+    int thread;
     const char* handle; /* symbol of any handle among the arguments, or null */
     const char* id;     /* identifier among the arguments, or null */
     int hasCommand;     /* information command, flags or flush operation */
@@ -59,7 +62,8 @@ typedef struct ZqspRule {
     size_t valueSize;
     int hasSize; /* what goes into the size output */
     size_t size;
-    int hasType; /* what goes into the type output; for GCGetLastError into the code */
+    int unterminated; /* the last byte of what was written becomes an 'x' */
+    int hasType;      /* what goes into the type output; for GCGetLastError into the code */
     int32_t type;
     int unwritten;
     int hold; /* the call stays inside until Zqsp_Release */
@@ -119,12 +123,16 @@ ZQSP_API uint32_t Zqsp_AddRule(const ZqspRule* rule);
 ZQSP_API void Zqsp_ClearRules(void);
 ZQSP_API int Zqsp_WaitHeld(uint32_t rule, uint32_t calls, uint32_t timeoutMs);
 ZQSP_API void Zqsp_Release(uint32_t rule);
+/* The latest call that the rule answered, as in the log; the size as with Zqsp_Log, 1 when there was none. */
+ZQSP_API size_t Zqsp_Answered(uint32_t rule, char* text, size_t capacity);
 
 /*
  * The log: one line a call, in the order of entry, separated by line feeds; function null or empty: all.
  * Returns the size of the text with its terminator, and writes it when capacity is large enough.
  */
 ZQSP_API size_t Zqsp_Log(const char* function, char* text, size_t capacity);
+/* The same of all functions, called on those threads only. */
+ZQSP_API size_t Zqsp_LogOfThreads(int threads, char* text, size_t capacity);
 ZQSP_API void Zqsp_ClearLog(void);
 ZQSP_API void Zqsp_DontLog(const char* function);
 ZQSP_API uint64_t Zqsp_Count(const char* function);
@@ -137,6 +145,9 @@ ZQSP_API uint64_t Zqsp_Closed(const char* kind);
 /* Events and frames; 0 when nobody has registered the event, or no buffer is queued. */
 ZQSP_API int Zqsp_PushEvent(const char* module, int32_t eventType, const ZqspEvent* event);
 ZQSP_API int Zqsp_PushFrame(const char* stream, const ZqspFrame* frame);
+
+/* Threads that are inside EventGetData with nothing to give them. */
+ZQSP_API uint32_t Zqsp_WaitingForEvents(void);
 
 /* Every DSStartAcquisition delivers that many frames, as buffers are queued. */
 ZQSP_API void Zqsp_AutoStream(uint64_t frames);

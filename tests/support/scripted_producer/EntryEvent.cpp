@@ -79,9 +79,14 @@ GC_ERROR WaitAndTake(Producer& producer, const void* handle, uint64_t timeoutMs,
     if (event == nullptr)
         return GC_ERR_INVALID_HANDLE;
     const auto ready = [&] { return event->unregistered || event->kills > 0 || !event->queue.empty(); };
+    ++event->waiting;
+    bool came = true;
     if (timeoutMs == GENTL_INFINITE)
         producer.eventCame.wait(lock, ready);
-    else if (!producer.eventCame.wait_for(lock, std::chrono::milliseconds(timeoutMs), ready))
+    else
+        came = producer.eventCame.wait_for(lock, std::chrono::milliseconds(timeoutMs), ready);
+    --event->waiting;
+    if (!came)
         return GC_ERR_TIMEOUT;
     if (event->unregistered)
         return GC_ERR_ABORT;

@@ -113,6 +113,7 @@ GC_ERROR GCInitLib() {
         const Lock lock(producer.mutex);
         if (producer.initialised == 0 && !producer.keepScript)
             producer.Reset();
+        producer.opener = std::this_thread::get_id();
     }
     return Run(Call("GCInitLib"), [](Producer& producer, const Out&, Lock&) { return Init(producer); });
 }

@@ -92,6 +92,7 @@ struct EventModule final : Module {
     std::deque<EventEntry> delivered; ///< kept for EventGetDataInfo
     uint64_t fired = 0;
     uint64_t kills = 0;
+    uint32_t waiting = 0; ///< threads inside EventGetData
     bool unregistered = false;
 };
 
@@ -123,6 +124,13 @@ public:
                 typed != nullptr && predicate(*typed))
                 return typed;
         return nullptr;
+    }
+
+    template <class T, class Action>
+    void ForEach(Action action) const {
+        for (const auto& [handle, module] : m_modules)
+            if (const auto typed = std::dynamic_pointer_cast<T>(module))
+                action(*typed);
     }
 
     /// Closes the module and all below it; waits on their events end with ABORT.

@@ -127,9 +127,12 @@ GC_ERROR Run(const Call& call, const Behaviour& behaviour) {
     Producer& producer = Producer::Get();
     Lock lock(producer.mutex);
     const auto symbols = SymbolsOf(producer, call);
-    const uint64_t line = producer.log.Add(call, symbols);
+    const bool onOpener = producer.opener == std::this_thread::get_id();
+    const uint64_t line = producer.log.Add(call, symbols, onOpener);
     producer.callCame.notify_all();
-    const auto rule = producer.script.Take(call, symbols);
+    const auto rule = producer.script.Take(call, symbols, onOpener);
+    if (rule != nullptr)
+        rule->answered = producer.log.LineText(line);
     if (rule != nullptr && rule->what.hold != 0)
         rule->Hold(lock);
     const Behaviour allowed = producer.initialised == 0 && !WorksBeforeInit(call)

@@ -10,6 +10,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 
 namespace Scripted {
 
@@ -33,6 +34,7 @@ public:
     bool severalSystems = false;
     uint64_t initialised = 0;
     uint64_t autoStream = 0;
+    std::thread::id opener; ///< the thread of the latest GCInitLib
     int systemNumber = 0;
     int bufferNumber = 0;
     uint64_t blockNumber = 0;

@@ -36,8 +36,10 @@ Rule::Rule(uint32_t number, const ZqspRule& rule)
     }
 }
 
-bool Rule::Matches(const Call& call, const std::vector<std::string>& handleSymbols) const {
-    if (function != call.function)
+bool Rule::Matches(const Call& call, const std::vector<std::string>& handleSymbols, bool onOpener) const {
+    if (!function.empty() && function != call.function)
+        return false;
+    if (what.thread != ZQSP_ANY_THREAD && onOpener != (what.thread == ZQSP_OPENING_THREAD))
         return false;
     if (what.handle != nullptr &&
         std::none_of(handleSymbols.begin(), handleSymbols.end(),
@@ -89,6 +91,8 @@ void Rule::WriteOutputs(const Out& out) const {
         if (out.size != nullptr)
             *out.size = m_value.size() / out.unit;
     }
+    if (what.unterminated != 0 && out.data != nullptr && out.size != nullptr && *out.size > 0)
+        static_cast<char*>(out.data)[*out.size * out.unit - 1] = 'x';
     if (what.hasSize != 0 && out.size != nullptr)
         *out.size = what.size;
     if (what.hasType != 0 && out.type != nullptr)
@@ -112,10 +116,11 @@ std::shared_ptr<Rule> Script::Find(uint32_t id) const {
     return rule == m_rules.end() ? nullptr : *rule;
 }
 
-std::shared_ptr<Rule> Script::Take(const Call& call, const std::vector<std::string>& handleSymbols) {
+std::shared_ptr<Rule> Script::Take(const Call& call, const std::vector<std::string>& handleSymbols,
+                                   bool onOpener) {
     std::shared_ptr<Rule> answering;
     for (const auto& rule : m_rules) {
-        if (rule->Matches(call, handleSymbols) && rule->Take() && answering == nullptr)
+        if (rule->Matches(call, handleSymbols, onOpener) && rule->Take() && answering == nullptr)
             answering = rule;
     }
     return answering;

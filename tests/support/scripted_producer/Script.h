@@ -18,7 +18,8 @@ class Rule {
 public:
     Rule(uint32_t id, const ZqspRule& rule);
 
-    [[nodiscard]] bool Matches(const Call& call, const std::vector<std::string>& handleSymbols) const;
+    [[nodiscard]] bool Matches(const Call& call, const std::vector<std::string>& handleSymbols,
+                               bool onOpener) const;
 
     /// Counts a matching call; true when the rule answers this one.
     bool Take();
@@ -38,6 +39,8 @@ public:
     const std::string function;
     const std::string lastErrorText;
     uint64_t seen = 0;
+    /// The latest call that it answered, as the log has it.
+    std::string answered;
 
 private:
     std::string m_handle;
@@ -58,7 +61,8 @@ public:
     [[nodiscard]] std::shared_ptr<Rule> Find(uint32_t id) const;
 
     /// The rule that answers this call, or null.
-    std::shared_ptr<Rule> Take(const Call& call, const std::vector<std::string>& handleSymbols);
+    std::shared_ptr<Rule> Take(const Call& call, const std::vector<std::string>& handleSymbols,
+                               bool onOpener);
 
 private:
     uint32_t m_lastId = 0;

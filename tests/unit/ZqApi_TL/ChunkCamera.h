@@ -3,40 +3,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/ChunkNodes.h"
 #include "tests/support/scripted_producer/Descriptions.h"
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
 
 namespace ZqTest {
-
-/// One chunk as it lies in the buffer, data and identifier.
-struct Chunk {
-    uint32_t id;
-    std::string data;
-};
-
-inline std::string Number(uint64_t value, size_t size) {
-    return std::string(reinterpret_cast<const char*>(&value), size);
-}
-
-inline std::string Reversed(const std::string& bytes) {
-    return std::string(bytes.rbegin(), bytes.rend());
-}
-
-/// USB3 Vision's layout: each chunk's data, then its identifier and length, little-endian.
-inline std::string LittleEndianChunks(const std::vector<Chunk>& chunks) {
-    std::string bytes;
-    for (const Chunk& chunk : chunks)
-        bytes += chunk.data + Number(chunk.id, 4) + Number(chunk.data.size(), 4);
-    return bytes;
-}
-
-/// GigE Vision's layout: the same, tags big-endian.
-inline std::string BigEndianChunks(const std::vector<Chunk>& chunks) {
-    std::string bytes;
-    for (const Chunk& chunk : chunks)
-        bytes += chunk.data + Reversed(Number(chunk.id, 4)) + Reversed(Number(chunk.data.size(), 4));
-    return bytes;
-}
 
 /// The scripted camera with chunk features: ChunkTimestamp (id 1001), ChunkWidth and ChunkHeight (1002) and
 /// ChunkPixelFormat (1003), little-endian registers, under a root of that name; the image has id 1. Opened
@@ -49,13 +20,7 @@ protected:
 
     void SetUp() override { Describe("ChunkDataControl"); }
 
-    void Describe(const std::string& root) {
-        std::string text(20000, '\0');
-        producer.ReadRegister("REMOTE1", 0x10000, text.data(), text.size());
-        text = text.c_str();
-        text.insert(text.find("<Port Name"), Nodes(root));
-        producer.SetDescription("REMOTE", "camera.xml", text);
-    }
+    void Describe(const std::string& root) { DescribeChunks(producer, root); }
 
     void OpenAs(const std::string& tlType) {
         producer.Answer("GCGetPortInfo").On("REMOTE1").Command(PORT_INFO_TLTYPE).Text(tlType);
@@ -81,35 +46,6 @@ protected:
     static int64_t Timestamp(const Buffer& buffer) {
         const GenApi::CIntegerPtr pTimestamp = ChunkInteger(buffer, "ChunkTimestamp");
         return GenApi::IsReadable(pTimestamp) ? pTimestamp->GetValue() : -1;
-    }
-
-private:
-    static std::string Feature(const std::string& name, int address, int length, const std::string& port) {
-        return "<Integer Name=\"" + name + "\"><pValue>" + name + "Reg</pValue></Integer>" +
-               Register(name + "Reg", address, length, port);
-    }
-    static std::string Register(const std::string& name, int address, int length, const std::string& port) {
-        return "<IntReg Name=\"" + name + "\"><Address>" + std::to_string(address) + "</Address><Length>" +
-               std::to_string(length) + "</Length><AccessMode>RO</AccessMode><pPort>" + port +
-               "</pPort><Cachable>WriteThrough</Cachable><Sign>Unsigned</Sign>"
-               "<Endianess>LittleEndian</Endianess></IntReg>";
-    }
-    static std::string Port(const std::string& name, const std::string& id) {
-        return "<Port Name=\"" + name + "\"><ChunkID>" + id + "</ChunkID></Port>";
-    }
-    static std::string Nodes(const std::string& root) {
-        return "<Category Name=\"" + root +
-               "\"><pFeature>ChunkTimestamp</pFeature><pFeature>ChunkWidth</pFeature>"
-               "<pFeature>ChunkHeight</pFeature><pFeature>ChunkPixelFormat</pFeature>"
-               "<pFeature>TLParamsLock</pFeature></Category>" +
-               Feature("ChunkTimestamp", 0, 8, "TimestampPort") + Feature("ChunkWidth", 0, 4, "SizePort") +
-               Feature("ChunkHeight", 4, 4, "SizePort") +
-               "<Enumeration Name=\"ChunkPixelFormat\"><EnumEntry Name=\"Mono8\"><Value>17301505</Value>"
-               "</EnumEntry><EnumEntry Name=\"Mono16\"><Value>17825799</Value></EnumEntry>"
-               "<pValue>ChunkPixelFormatReg</pValue></Enumeration>" +
-               Register("ChunkPixelFormatReg", 0, 4, "FormatPort") + Port("TimestampPort", "00001001") +
-               Port("SizePort", "00001002") + Port("FormatPort", "00001003") +
-               "<Integer Name=\"TLParamsLock\"><Value>0</Value></Integer>";
     }
 };
 
