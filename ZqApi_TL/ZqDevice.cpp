@@ -168,6 +168,10 @@ GenApi::CCommandPtr CZqDevice::FindCommand(const char* name) {
 }
 
 void CZqDevice::AcquisitionStart() {
+    ConvertBadAlloc(UNIT, __LINE__, [this] { StartCamera(); });
+}
+
+void CZqDevice::StartCamera() {
     SetTLParamsLocked(1);
     try {
         if (!m_pAcquisitionStart.IsValid())
@@ -182,6 +186,10 @@ void CZqDevice::AcquisitionStart() {
 }
 
 void CZqDevice::AcquisitionStop() {
+    ConvertBadAlloc(UNIT, __LINE__, [this] { StopCamera(); });
+}
+
+void CZqDevice::StopCamera() {
     if (!m_bAcquisitionStarted)
         return;
     m_bAcquisitionStarted = false;

@@ -59,6 +59,8 @@ private:
     void RequestDeviceLostNotification(INodeMap* pLocalNodeMap);
     void ProbeCamera();
     void OnDeviceLost(GenApi::INode* pNode);
+    void StartCamera();
+    void StopCamera();
     void SetTLParamsLocked(int64_t value);
     GenApi::CCommandPtr FindCommand(const char* name);
     bool IsOnEventThread() const;

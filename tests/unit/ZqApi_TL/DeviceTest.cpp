@@ -212,6 +212,18 @@ TEST_F(DeviceModule, FailingStopCommandLeavesTheParametersLocked) {
     EXPECT_NO_THROW(device->AcquisitionStop());
 }
 
+TEST_F(DeviceModule, FailedAllocationAtStartOrStopIsReported) {
+    const auto failing = [](const auto& action) {
+        const FailingAllocation allocation(1);
+        action();
+    };
+    EXPECT_EQ(Catch<GenICam::BadAllocException>([&] { failing([&] { device->AcquisitionStart(); }); }).text,
+              "std::bad_alloc");
+    device->AcquisitionStart();
+    EXPECT_EQ(Catch<GenICam::BadAllocException>([&] { failing([&] { device->AcquisitionStop(); }); }).text,
+              "std::bad_alloc");
+}
+
 TEST_F(DeviceModule, FailingStartCommandTakesTheLockBack) {
     Open();
     producer.Answer("GCWritePort").At(Scripted::AcquisitionStart).With(GC_ERR_IO);
