@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/support/ScriptedProducer.h"
+
+namespace ZqTest {
+
+/// What goes wrong with one call: a result, and what is done to the outputs of a call that succeeds.
+struct Fault {
+    const char* name;
+    GenTL::GC_ERROR result;
+    size_t size; ///< reported in place of the true one, see `hasSize`
+    bool hasSize;
+    int unwritten; ///< ZQSP_NO_DATA, ...
+    bool unterminated;
+    [[nodiscard]] bool IsFailure() const { return result != GenTL::GC_ERR_SUCCESS; }
+};
+
+/// Which call a fault is for: the n-th on the thread that opened the library, or the n-th of a function on
+/// the others.
+struct Target {
+    bool onOpener;
+    std::string function; ///< empty: of any
+    int64_t event;        ///< EventGetData of that type only, or -1
+    uint64_t number;
+};
+
+/// The text that the producer has for each failure.
+constexpr const char* scriptedText = "scripted failure";
+
+/// A fault in the producer's script while it lives there.
+class PlacedFault {
+public:
+    PlacedFault(const ScriptedProducer& producer, const Target& target, const Fault& fault, bool alsoRuns);
+    /// The call that had it, as in the log; empty when there was none.
+    [[nodiscard]] std::string Answered() const;
+
+private:
+    const ScriptedProducer& m_Producer;
+    uint32_t m_Rule;
+};
+
+/// The calls of the opening thread, or of the others, without their results.
+std::vector<std::string> CallsOf(const ScriptedProducer& producer, bool onOpener);
+
+/// "DSClose" of "DSClose(DS1) = -1001".
+std::string FunctionOf(const std::string& call);
+
+} // namespace ZqTest

@@ -1,0 +1,116 @@
+#include "tests/faults/Runs.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <iostream>
+#include <thread>
+
+#include "tests/support/AllocationFailure.h"
+
+namespace ZqTest {
+
+namespace {
+
+// No answer of a producer may make the library allocate more; nothing that it needs is near it.
+constexpr size_t largestAllocation = 64u << 20;
+
+/// A joined thread may stand in the list of tasks for a moment longer.
+bool ThreadsEnd(size_t expected) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    while (ThreadCount() != expected)
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+    return true;
+}
+
+} // namespace
+
+LeftOpen LeftOpenBy(const std::string& function) {
+    static const std::map<std::string, LeftOpen> leftOpen = {
+        {"GCCloseLib", {"LIB", 1}},
+        {"TLClose", {"TL", 1}},
+        {"IFClose", {"IF", 1}},
+        {"DevClose", {"DEV", 1}},
+        {"DSClose", {"DS", 1}},
+        {"DSRevokeBuffer", {"BUF", 1}},
+        // Buffers that are still queued can't be revoked; they go with their stream.
+        {"DSFlushQueue", {"BUF", 2}},
+        {"GCUnregisterEvent", {"EVENT", 1}},
+    };
+    const auto found = leftOpen.find(function);
+    return found == leftOpen.end() ? LeftOpen() : found->second;
+}
+
+Runs::Runs(const Way& way, const std::string& variant)
+    : m_Way(way), m_pProducer(std::make_unique<ScriptedProducer>(variant)), m_ThreadsBefore(ThreadCount()) {
+    ZqApiInitialize(ZqApiBuildVersion);
+}
+
+Runs::~Runs() {
+    ZqApiTerminate();
+    std::cout << m_Way.name << ": " << m_Runs << " runs, " << m_Faults << " of them with a fault\n";
+}
+
+Outcome Runs::Run(const std::string& what, const std::function<void()>& arrange,
+                  const std::function<LeftOpen()>& leftOpen) {
+    Producer().Resolve<decltype(&Zqsp_Reset)>("Zqsp_Reset")();
+    Producer().Resolve<decltype(&Zqsp_KeepScript)>("Zqsp_KeepScript")(1);
+    Scenario scenario(m_Way, Producer());
+    scenario.patienceMs = patienceMs;
+    scenario.onStep = onStep;
+    scenario.Prepare();
+    ++m_Runs;
+    Outcome outcome;
+    {
+        const AllocationLimit limit(largestAllocation);
+        if (arrange)
+            arrange();
+        outcome = scenario.Run();
+    }
+    Check(what, outcome, leftOpen ? leftOpen() : LeftOpen());
+    return outcome;
+}
+
+void Runs::Check(const std::string& what, const Outcome& outcome, const LeftOpen& leftOpen) const {
+    for (const char* const kind : {"LIB", "TL", "IF", "DEV", "DS", "BUF", "EVENT"}) {
+        const uint64_t left = leftOpen.kind == kind ? leftOpen.count : 0;
+        EXPECT_EQ(Producer().Opened(kind), Producer().Closed(kind) + left)
+            << m_Way.name << ", " << what << ": " << kind << " left open";
+    }
+    EXPECT_TRUE(ThreadsEnd(m_ThreadsBefore)) << m_Way.name << ", " << what << ": threads left running";
+    EXPECT_EQ(outcome.locksHeld, "") << m_Way.name << ", " << what << ": locks left taken";
+}
+
+void Runs::RunHealthy(const std::string& after) {
+    const std::string what = "healthy run after " + after;
+    const Outcome outcome = Run(what);
+    EXPECT_EQ(JudgeHealthy(m_Way, outcome), "") << m_Way.name << ", " << what;
+}
+
+Runs::Recorded Runs::Record() {
+    Recorded recorded;
+    std::vector<size_t> begins;
+    uint64_t before = 0;
+    const auto endStep = [&] {
+        if (!recorded.steps.empty())
+            recorded.allocations[recorded.steps.back()] = AllocationCountOfThisThread() - before;
+    };
+    onStep = [&](const char* step) {
+        endStep();
+        begins.push_back(CallsOf(Producer(), true).size());
+        if (*step == '\0')
+            return;
+        recorded.steps.emplace_back(step);
+        before = AllocationCountOfThisThread();
+    };
+    RunHealthy("nothing");
+    onStep = nullptr;
+    recorded.calls = CallsOf(Producer(), true);
+    recorded.threadCalls = CallsOf(Producer(), false);
+    for (size_t step = 0; step < recorded.steps.size(); ++step)
+        recorded.stepOfCall.resize(begins[step + 1], recorded.steps[step]);
+    return recorded;
+}
+
+} // namespace ZqTest
