@@ -240,6 +240,8 @@ bool Fits(const char* layout, const char* text) {
     return *text == '\0';
 }
 
+} // namespace
+
 std::string Show(const Failure& failure) {
     if (failure.kind.empty())
         return "nothing was thrown";
@@ -247,14 +249,13 @@ std::string Show(const Failure& failure) {
            std::to_string(failure.code);
 }
 
-/// Empty when the failure is the report of that call.
 std::string JudgeReport(const FailedCall& call, const Fault& fault, const Failure& failure) {
     const std::string function = FunctionOf(call.line);
     for (const Layout& layout : layouts) {
         if (function != layout.function || call.line.find(layout.arguments) == std::string::npos)
             continue;
         // Loading has no module to ask for the text, and another thread's text is not to be had.
-        const bool explained = function != "GCInitLib" && function != "EventGetData";
+        const bool explained = call.explained && function != "GCInitLib" && function != "EventGetData";
         const std::string expected =
             std::to_string(fault.result) + layout.text + (explained ? std::string(" ") + scriptedText : "");
         const bool fits = failure.kind == "ZqGenTLErrorException" && failure.code == fault.result &&
@@ -264,6 +265,8 @@ std::string JudgeReport(const FailedCall& call, const Fault& fault, const Failur
     }
     return "no layout for " + call.line;
 }
+
+namespace {
 
 std::string JudgeFrames(const Way& way, const Outcome& outcome) {
     if (outcome.framesRetrieved == FramesToRetrieve(way) && outcome.framesInCallback == framesToCallback)
