@@ -48,8 +48,7 @@ std::vector<gcstring> ChunkFeatures(INodeMap& chunks) {
 
 ChunkMode::Active::Active(const Camera& camera) : m_camera(camera) {
     IValue& active = FindFeature(camera.Features(), activeName, camera.Id());
-    const std::string before = Doing(std::string("reading ") + activeName + " of " + camera.Id(),
-                                     [&] { return std::string(active.ToString().c_str()); });
+    const std::string before = ReadFeature(active, activeName, camera.Id());
     SetFeature(camera.Features(), activeName, "1", camera.Id());
     m_before = before;
 }

@@ -55,6 +55,11 @@ IValue& FindFeature(INodeMap& features, const std::string& name, const std::stri
     return *value;
 }
 
+std::string ReadFeature(IValue& feature, const std::string& name, const std::string& device) {
+    return Doing("reading " + name + " of " + device,
+                 [&] { return std::string(feature.ToString().c_str()); });
+}
+
 void SetFeature(INodeMap& features, const std::string& name, const std::string& value,
                 const std::string& device) {
     IValue& feature = FindFeature(features, name, device);

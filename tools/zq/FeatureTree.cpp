@@ -88,11 +88,6 @@ void PrintText(const Json& list, size_t depth, std::ostream& out) {
     }
 }
 
-/// As text, read from the camera.
-std::string Read(IValue& value, const std::string& name, const std::string& device) {
-    return Doing("reading " + name + " of " + device, [&] { return std::string(value.ToString().c_str()); });
-}
-
 } // namespace
 
 int PrintFeatures(const Library& library, const FeatureTreeOptions& options, const Console& console) {
@@ -113,7 +108,7 @@ int PrintFeatures(const Library& library, const FeatureTreeOptions& options, con
 int PrintFeature(const Library& library, const CameraChoice& choice, const std::string& name,
                  const Console& console) {
     const Camera camera(library, choice, console);
-    console.out << Read(FindFeature(camera.Features(), name, camera.Id()), name, camera.Id()) << "\n";
+    console.out << ReadFeature(FindFeature(camera.Features(), name, camera.Id()), name, camera.Id()) << "\n";
     return Done;
 }
 
@@ -124,7 +119,7 @@ int ChangeFeature(const Library& library, const CameraChoice& choice, const std:
     IValue& feature = FindFeature(camera.Features(), name, camera.Id());
     const bool shows =
         IsReadable(feature.GetAccessMode()) && feature.GetNode()->GetPrincipalInterfaceType() != intfICommand;
-    console.out << (shows ? Read(feature, name, camera.Id()) : "done") << "\n";
+    console.out << (shows ? ReadFeature(feature, name, camera.Id()) : "done") << "\n";
     return Done;
 }
 

@@ -11,8 +11,7 @@ using namespace GenApi;
 
 SelectedSwitch::SelectedSwitch(const Camera& camera, const std::string& selector, const std::string& feature)
     : m_camera(camera), m_selector(selector), m_feature(feature) {
-    m_selectedBefore = Doing("reading " + m_selector + " of " + m_camera.Id(),
-                             [&] { return Selector().ToString().c_str(); });
+    m_selectedBefore = ReadFeature(Selector(), m_selector, m_camera.Id());
     Feature();
 }
 
@@ -47,8 +46,7 @@ bool SelectedSwitch::Set(const std::string& entry, const std::string& value) {
     IValue& feature = Feature();
     if (!IsWritable(feature.GetAccessMode()))
         return false;
-    const std::string before = Doing("reading " + m_feature + " of " + entry + " of " + m_camera.Id(),
-                                     [&] { return std::string(feature.ToString().c_str()); });
+    const std::string before = ReadFeature(feature, m_feature + " of " + entry, m_camera.Id());
     m_before.push_back({entry, before});
     SetFeature(m_camera.Features(), m_feature, value, m_camera.Id());
     return true;
