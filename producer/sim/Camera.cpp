@@ -195,6 +195,7 @@ void Camera::PlanImage(FramePlan& plan) const {
     scene.reverseX = m_settings.reverseX != 0;
     scene.reverseY = m_settings.reverseY != 0;
     scene.seed = number(m_settings.seed);
+    scene.pictures = m_settings.pictures;
     plan.format = FindPixelFormat(m_model.technology, m_settings.pixelFormat);
     plan.imageSize = plan.format->ImageSize(scene.region.width, scene.region.height);
     if (!(m_toneMade == m_settings.tone)) {

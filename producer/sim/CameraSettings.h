@@ -5,6 +5,7 @@
 #include "producer/sim/Faults.h"
 #include "producer/sim/Lines.h"
 #include "producer/sim/Parts.h"
+#include "producer/sim/PictureFolder.h"
 #include "producer/sim/ToneCurve.h"
 
 #include <cstdint>
@@ -37,6 +38,7 @@ struct CameraSettings {
     int64_t reverseY = 0;
     int64_t testPattern = 0;
     int64_t seed = 0;
+    Pictures pictures;
 
     int64_t acquisitionMode = static_cast<int64_t>(AcquisitionMode::Continuous);
     int64_t acquisitionFrameCount = 1;

@@ -102,6 +102,23 @@ ColourLine ColourRamp(uint16_t* room, const Scene& scene, const Walk& walk, uint
     return {room, green, blue};
 }
 
+/// The line of a picture that falls on a line of the region, each value from the nearest pixel.
+ColourLine PictureLine(uint16_t* room, const Scene& scene, uint64_t frameId, uint32_t row, uint32_t bits) {
+    const PictureFile& picture = scene.pictures->Of(frameId);
+    const uint32_t width = scene.region.width;
+    const uint32_t line = scene.reverseY ? scene.region.height - 1 - row : row;
+    const size_t start = uint64_t{line} * picture.height / scene.region.height * picture.width;
+    uint16_t* lines[] = {room, room + width, room + 2 * size_t{width}};
+    for (uint32_t x = 0; x < width; ++x) {
+        const uint32_t column = scene.reverseX ? width - 1 - x : x;
+        const size_t source = start + uint64_t{column} * picture.width / width;
+        lines[0][x] = static_cast<uint16_t>(picture.red[source] >> (16 - bits));
+        lines[1][x] = static_cast<uint16_t>(picture.green[source] >> (16 - bits));
+        lines[2][x] = static_cast<uint16_t>(picture.blue[source] >> (16 - bits));
+    }
+    return {lines[0], lines[1], lines[2]};
+}
+
 } // namespace
 
 ColourLine LookAt(const Scene& scene, uint64_t frameId, uint32_t row, uint32_t bits, uint16_t* room) {
@@ -143,6 +160,10 @@ ColourLine LookAt(const Scene& scene, uint64_t frameId, uint32_t row, uint32_t b
         const uint64_t line = Hash((uint64_t{scene.seed} << 32 | (y & 0xFFFFFFFF)) ^ (t << 17));
         return Grey(room, scene, walk, [&](uint64_t x) { return Hash(line << 32 | x) & mask; });
     }
+    case TestPattern::Picture:
+        if (scene.pictures != nullptr)
+            return PictureLine(room, scene, frameId, row, bits);
+        break;
     case TestPattern::Black:
         break;
     }

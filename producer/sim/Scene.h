@@ -1,5 +1,7 @@
 #pragma once
 
+#include "producer/sim/PictureFolder.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -23,8 +25,9 @@ enum class TestPattern : int64_t {
     FrameCounter,
     Noise,
     NoiseMoving,
+    Picture,
 };
-constexpr int64_t testPatternCount = 16;
+constexpr int64_t testPatternCount = 17;
 
 /// The part of the sensor that a picture shows, in pixels of the picture.
 struct Region {
@@ -46,6 +49,7 @@ struct Scene {
     bool reverseX = false;
     bool reverseY = false;
     uint32_t seed = 0;
+    Pictures pictures; ///< what Picture shows, resized to the region; black without any
 };
 
 /// A line of a picture: one value for each pixel and colour, each of `bits` bits. The three point to the same

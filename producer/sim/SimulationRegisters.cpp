@@ -5,6 +5,7 @@ namespace zqgentl {
 namespace {
 
 constexpr RegisterKind Integer = RegisterKind::Integer;
+constexpr RegisterKind Text = RegisterKind::Text;
 
 constexpr auto Frames = &S::frameFaults;
 constexpr auto Ports = &S::portFaults;
@@ -14,6 +15,18 @@ using P = PortFaults;
 constexpr int64_t everyMax = 0x7FFFFFFF;
 constexpr int64_t timeMaxMs = 3600000;
 constexpr int64_t portDelayMaxMs = 10000;
+
+RegisterValue GetImageFolder(const Camera& camera) {
+    const Pictures pictures = camera.Settings().pictures;
+    return Value(pictures == nullptr ? std::string() : pictures->Path());
+}
+
+/// Files are read here, not when frames are made.
+void SetImageFolder(Camera& camera, const RegisterValue& value) {
+    const std::string& path = std::get<std::string>(value);
+    const Pictures pictures = path.empty() ? nullptr : std::make_shared<const PictureFolder>(path);
+    camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) { settings.pictures = pictures; });
+}
 
 void SendError(Camera& camera) {
     const auto code = static_cast<uint32_t>(camera.Settings().frameFaults.errorCode);
@@ -39,6 +52,8 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x0704, 4, Integer, Get<&S::lossDelayMs>, SetWhole<&S::lossDelayMs, 0, timeMaxMs>},
     {0x0708, 4, Integer, Get<&S::returnTimeMs>, SetWhole<&S::returnTimeMs, 0, timeMaxMs>},
     {0x070C, 4, Integer, nullptr, Command<LoseInterface>},
+
+    {0x4000, 1024, Text, GetImageFolder, SetImageFolder},
 
     Row<Frames, &F::dropEvery, 0, everyMax>(0x0710),
     Row<Frames, &F::incompleteEvery, 0, everyMax>(0x0714),

@@ -32,6 +32,6 @@ zq_boolean(ComponentEnable 0x0448 RW "Whether frames have this component; with m
 zq_enumeration(TestPattern 0x0424 RW "What the camera sees." STREAMABLE
     ENTRIES GreyDiagonalRampMoving=0 GreyHorizontalRampMoving=1 GreyVerticalRampMoving=2 Black=3 White=4
     GreyDiagonalRamp=5 GreyHorizontalRamp=6 GreyVerticalRamp=7 ColorBar=8 ColorBarMoving=9 ColorRampMoving=10
-    HorizontalLineMoving=11 VerticalLineMoving=12 FrameCounter=13 Noise=14 NoiseMoving=15)
+    HorizontalLineMoving=11 VerticalLineMoving=12 FrameCounter=13 Noise=14 NoiseMoving=15 Picture=16)
 zq_integer(SimulationSeed 0x0440 4 RW "What the noise of the test patterns follows from." STREAMABLE
     MIN 0 MAX 4294967295 INC 1)

@@ -27,6 +27,8 @@ zq_integer(SimulationWriteErrorAddress 0x0748 8 RW "Writing the register at this
     VISIBILITY Guru SIGNED MIN -1 REPRESENTATION PureNumber)
 zq_integer(SimulationPortErrorCode 0x0750 8 RW "The result code of such a failure." VISIBILITY Guru SIGNED
     MIN -1023 MAX -1001)
+zq_string(SimulationImageFolder 0x4000 1024 RW "Folder with PNG, PGM, PPM and TIFF files, on the machine of the host. \
+The test pattern Picture shows them one after the other, resized to the region." VISIBILITY Guru)
 zq_boolean(SimulationLine0 0x0760 RW "Level of the input Line0." VISIBILITY Guru)
 zq_boolean(SimulationLine1 0x0764 RW "Level of the input Line1." VISIBILITY Guru)
 zq_integer(SimulationPortDelay 0x0758 4 RW "Time that every access to the registers takes." VISIBILITY Guru
