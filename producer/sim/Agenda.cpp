@@ -12,11 +12,6 @@ void Agenda::After(Clock::duration delay, Job job, std::function<void()> work) {
     m_wake.notify_one();
 }
 
-void Agenda::Cancel(Job job) {
-    std::lock_guard<std::mutex> guard(m_lock);
-    m_entries[static_cast<size_t>(job)].work = nullptr;
-}
-
 void Agenda::Stop() {
     std::thread ending;
     {

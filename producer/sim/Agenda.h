@@ -15,8 +15,8 @@ namespace zqgentl {
 class Agenda {
 public:
     using Clock = std::chrono::steady_clock;
-    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0, Timer1 };
-    static constexpr size_t jobCount = 5;
+    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0 };
+    static constexpr size_t jobCount = 4;
 
     Agenda() = default;
     Agenda(const Agenda&) = delete;
@@ -24,7 +24,6 @@ public:
     ~Agenda() { Stop(); }
 
     void After(Clock::duration delay, Job job, std::function<void()> work);
-    void Cancel(Job job);
     /// Drops every entry and ends the thread; no job runs when it returns. Entries may follow.
     void Stop();
 
