@@ -58,7 +58,8 @@ void StreamBufferChunks::AttachBytes() {
     auto* const base = static_cast<uint8_t*>(info.GetBaseAddress());
     // What a producer says beyond the memory that it was given is not to be believed.
     const size_t size = std::min(FilledSize(info), m_Buffer.GetAnnouncedSize());
-    if (base == nullptr) {
+    // Nor is an address that is not the one the buffer was announced with.
+    if (base == nullptr || base != m_Buffer.GetBufferAddress()) {
         Detach();
         return;
     }

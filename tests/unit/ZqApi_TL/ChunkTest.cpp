@@ -156,6 +156,9 @@ TEST_F(StreamChunks, LayoutIsReadWithinTheAnnouncedMemory) {
     Frame nowhere = StampedFrame(12);
     nowhere.Info<void*>(BUFFER_INFO_BASE, INFO_DATATYPE_PTR, nullptr);
     EXPECT_EQ(Timestamp(RetrieveNewFrame(nowhere)), -1);
+    Frame elsewhere = StampedFrame(12);
+    elsewhere.Info<uint64_t>(BUFFER_INFO_BASE, INFO_DATATYPE_PTR, 0x7800000000001000);
+    EXPECT_EQ(Timestamp(RetrieveNewFrame(elsewhere)), -1);
     EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(13))), 13);
 }
 
