@@ -73,7 +73,8 @@ void CZqDevice::UpdateDataStreamList() {
 
 void CZqDevice::CreateRemotePort() {
     PORT_HANDLE hRemotePort = nullptr;
-    const GC_ERROR result = CallProducer(m_pCZqGenTL->DevGetPort, m_hDevice, &hRemotePort);
+    const GC_ERROR result =
+        RequireHandle(CallProducer(m_pCZqGenTL->DevGetPort, m_hDevice, &hRemotePort), hRemotePort);
     if (result != GC_ERR_SUCCESS)
         throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "DevGetPort", "%d = DevGetPort(0x%p, 0x%p)",
                             result, m_hDevice, &hRemotePort);
@@ -140,7 +141,8 @@ IZqDataStreamReleasable* CZqDevice::CreateIZqDataStream(size_t nIndex, IZqAlloca
     CheckIndex(UNIT, __LINE__, "nIndex", nIndex, m_DataStreamIDs.size());
     DS_HANDLE hDataStream = nullptr;
     const gcstring& id = m_DataStreamIDs[nIndex];
-    const GC_ERROR result = CallProducer(m_pCZqGenTL->DevOpenDataStream, m_hDevice, id.c_str(), &hDataStream);
+    const GC_ERROR result = RequireHandle(
+        CallProducer(m_pCZqGenTL->DevOpenDataStream, m_hDevice, id.c_str(), &hDataStream), hDataStream);
     if (result != GC_ERR_SUCCESS)
         throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "DevOpenDataStream",
                             "%d = DevOpenDataStream(0x%p, 0x%p, 0x%p)", result, m_hDevice, id.c_str(),

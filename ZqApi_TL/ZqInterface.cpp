@@ -175,8 +175,8 @@ IZqDeviceReleasable* CZqInterface::CreateIZqDevice(size_t nIndex, DEVICE_ACCESS_
 IZqDeviceReleasable* CZqInterface::CreateIZqDevice(const gcstring& id,
                                                    DEVICE_ACCESS_FLAGS eDeviceAccessFlags) {
     DEV_HANDLE hDevice = nullptr;
-    const GC_ERROR result =
-        CallProducer(m_pCZqGenTL->IFOpenDevice, m_hIF, id.c_str(), eDeviceAccessFlags, &hDevice);
+    const GC_ERROR result = RequireHandle(
+        CallProducer(m_pCZqGenTL->IFOpenDevice, m_hIF, id.c_str(), eDeviceAccessFlags, &hDevice), hDevice);
     if (result != GC_ERR_SUCCESS)
         throw ProducerError(m_pCZqGenTL, UNIT, __LINE__, result, "IFOpenDevice",
                             "%d = IFOpenDevice(0x%p, 0x%p, 0x%u, 0x%p)", result, m_hIF, id.c_str(),

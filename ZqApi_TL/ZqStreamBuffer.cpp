@@ -52,14 +52,16 @@ void CZqStreamBuffer::Announce() {
     BUFFER_HANDLE hBuffer = nullptr;
     const bool allocate = m_pBuffer == nullptr;
     if (allocate) {
-        const GC_ERROR result =
-            CallProducer(m_pCZqGenTL->DSAllocAndAnnounceBuffer, hDataStream, m_Size, pPrivate, &hBuffer);
+        const GC_ERROR result = RequireHandle(
+            CallProducer(m_pCZqGenTL->DSAllocAndAnnounceBuffer, hDataStream, m_Size, pPrivate, &hBuffer),
+            hBuffer);
         CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSAllocAndAnnounceBuffer",
                       "%d = DSAllocAndAnnounceBuffer(0x%p, %u, 0x%p, 0x%p)", result, hDataStream, m_Size,
                       pPrivate, &hBuffer);
     } else {
-        const GC_ERROR result =
-            CallProducer(m_pCZqGenTL->DSAnnounceBuffer, hDataStream, m_pBuffer, m_Size, pPrivate, &hBuffer);
+        const GC_ERROR result = RequireHandle(
+            CallProducer(m_pCZqGenTL->DSAnnounceBuffer, hDataStream, m_pBuffer, m_Size, pPrivate, &hBuffer),
+            hBuffer);
         CheckProducer(m_pCZqGenTL, UNIT, __LINE__, result, "DSAnnounceBuffer",
                       "%d = DSAnnounceBuffer(0x%p, 0x%p, %u, 0x%p, 0x%p)", result, hDataStream, m_pBuffer,
                       m_Size, pPrivate, &hBuffer);

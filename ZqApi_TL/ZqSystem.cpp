@@ -29,7 +29,7 @@ CZqSystem::CZqSystem(EZqSystemVendor_t vendor, const char* szFileName, EZqInterf
 
 void CZqSystem::Open() {
     m_pCZqGenTL = std::make_shared<CZqGenTLLib>(m_FileName);
-    const GC_ERROR result = CallProducer(m_pCZqGenTL->TLOpen, &m_hTL);
+    const GC_ERROR result = RequireHandle(CallProducer(m_pCZqGenTL->TLOpen, &m_hTL), m_hTL);
     if (result != GC_ERR_SUCCESS) {
         m_hTL = nullptr;
         throw ProducerError(m_pCZqGenTL.get(), UNIT, __LINE__, result, "TLOpen", "%d = TLOpen(0x%p)", result,
@@ -216,7 +216,8 @@ void CZqSystem::RebuildInterfaceList(const gcstring_vector& ids, std::vector<CZq
 
 CZqInterface* CZqSystem::OpenInterface(const gcstring& id) {
     IF_HANDLE hIF = nullptr;
-    const GC_ERROR result = CallProducer(m_pCZqGenTL->TLOpenInterface, m_hTL, id.c_str(), &hIF);
+    const GC_ERROR result =
+        RequireHandle(CallProducer(m_pCZqGenTL->TLOpenInterface, m_hTL, id.c_str(), &hIF), hIF);
     if (result != GC_ERR_SUCCESS)
         throw ProducerError(m_pCZqGenTL.get(), UNIT, __LINE__, result, "TLOpenInterface",
                             "%d = TLOpenInterface(0x%p, %s, 0x%p)", result, m_hTL, id.c_str(), &hIF);

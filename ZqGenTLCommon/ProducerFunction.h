@@ -34,4 +34,12 @@ GenTL::GC_ERROR CallProducer(const ProducerFunction<Pointer>& function, Argument
                               : static_cast<GenTL::GC_ERROR>(GenTL::GC_ERR_NOT_IMPLEMENTED);
 }
 
+/// The result of a call that gives a handle. A producer that says success and gives none would bring the
+/// process down at the first use of the module; it has given an invalid handle.
+inline GenTL::GC_ERROR RequireHandle(GenTL::GC_ERROR result, const void* const& handle) {
+    return result == GenTL::GC_ERR_SUCCESS && handle == nullptr
+               ? static_cast<GenTL::GC_ERROR>(GenTL::GC_ERR_INVALID_HANDLE)
+               : result;
+}
+
 } // namespace ZqApi

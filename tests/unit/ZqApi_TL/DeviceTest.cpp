@@ -212,7 +212,21 @@ TEST_F(DeviceModule, FailingStopCommandLeavesTheParametersLocked) {
     EXPECT_NO_THROW(device->AcquisitionStop());
 }
 
+TEST_F(DeviceModule, SuccessWithoutAHandleIsAnInvalidHandle) {
+    expectNothingOpen = false;
+    producer.Answer("IFOpenDevice").OnCall(1).WithoutData();
+    EXPECT_EQ(OpeningFails().text, "-1006 = IFOpenDevice(PTR, PTR, 0x3, PTR)");
+    system.reset();
+    producer.Answer("DevGetPort").OnCall(1).WithoutData();
+    EXPECT_EQ(OpeningFails().text, "-1006 = DevGetPort(PTR, PTR)");
+    system.reset();
+    Open();
+    producer.Answer("DevOpenDataStream").WithoutData();
+    EXPECT_EQ(CatchProducerError([&] { OpenStream(); }).text, "-1006 = DevOpenDataStream(PTR, PTR, PTR)");
+}
+
 TEST_F(DeviceModule, FailedAllocationAtStartOrStopIsReported) {
+    Open();
     const auto failing = [](const auto& action) {
         const FailingAllocation allocation(1);
         action();

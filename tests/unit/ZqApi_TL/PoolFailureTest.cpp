@@ -23,6 +23,14 @@ protected:
     }
 };
 
+TEST_F(PoolFailure, SuccessWithoutAHandleIsAnInvalidHandle) {
+    expectNothingOpen = false;
+    producer.Answer("DSAllocAndAnnounceBuffer").OnCall(2).WithoutData();
+    EXPECT_EQ(CatchProducerError([this] { Start(); }).text,
+              "-1006 = DSAllocAndAnnounceBuffer(PTR, 4096, PTR, PTR)");
+    NextStartDelivers();
+}
+
 TEST_F(PoolFailure, FourthAnnouncementFailing) {
     producer.Answer("DSAllocAndAnnounceBuffer").OnCall(4).With(GC_ERR_OUT_OF_MEMORY);
     const Thrown thrown = StartFails();

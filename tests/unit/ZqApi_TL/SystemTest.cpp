@@ -303,6 +303,14 @@ TEST_F(SystemWithoutTLClose, StillUnloadsTheProducer) {
     EXPECT_EQ(producer.Count("GCCloseLib"), 1u);
 }
 
+TEST_F(SystemModule, SuccessWithoutAHandleIsAnInvalidHandle) {
+    expectNothingOpen = false;
+    producer.Answer("TLOpen").OnCall(1).WithoutData();
+    EXPECT_EQ(OpenFails().text, "-1006 = TLOpen(PTR)");
+    producer.Answer("TLOpenInterface").OnCall(1).WithoutData();
+    EXPECT_EQ(OpenFails().text, "-1006 = TLOpenInterface(PTR, IF1, PTR)");
+}
+
 class SystemWithoutGCInitLib : public SystemModule {
 protected:
     SystemWithoutGCInitLib() : SystemModule("without_GCInitLib") {}
