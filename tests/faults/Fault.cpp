@@ -28,7 +28,7 @@ PlacedFault::PlacedFault(const ScriptedProducer& producer, const Target& target,
     rule.hasEvent = target.event >= 0 ? 1 : 0;
     rule.event = target.event;
     rule.firstCall = target.number;
-    rule.calls = 1;
+    rule.calls = target.andAllAfter ? 0 : 1;
     rule.hasResult = fault.IsFailure() ? 1 : 0;
     rule.result = fault.result;
     rule.alsoRuns = alsoRuns ? 1 : 0;

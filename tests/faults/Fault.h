@@ -25,6 +25,7 @@ struct Target {
     std::string function; ///< empty: of any
     int64_t event;        ///< EventGetData of that type only, or -1
     uint64_t number;
+    bool andAllAfter = false;
 };
 
 /// The text that the producer has for each failure.

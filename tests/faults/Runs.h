@@ -52,6 +52,7 @@ public:
     [[nodiscard]] const ScriptedProducer& Producer() const { return *m_pProducer; }
 
     uint32_t patienceMs = 2000;
+    bool looksAtWhatIsOpen = true;
     /// Called at each step of the next runs.
     std::function<void(const char*)> onStep;
 

@@ -10,6 +10,8 @@ using namespace GenTL;
 
 namespace {
 
+constexpr size_t largestBuffer = size_t{1} << 30;
+
 /// Removes the event of a buffer that awaits delivery, or of all buffers of the stream.
 void DropEvents(Producer& producer, StreamModule& stream) {
     const auto event = FindEvent(producer, stream, EVENT_NEW_BUFFER);
@@ -88,6 +90,8 @@ GC_ERROR Announce(Producer& producer, StreamModule& stream, void* memory, size_t
                                          [&](const BufferModule* each) { return each->base == memory; });
     if (twice)
         return GC_ERR_RESOURCE_IN_USE;
+    if (size > largestBuffer)
+        return GC_ERR_OUT_OF_MEMORY;
     const auto buffer =
         producer.modules.Open<BufferModule>("BUF" + std::to_string(++producer.bufferNumber), &stream);
     if (memory == nullptr)
