@@ -10,7 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
+#include <ctime>
 #include <limits>
 #include <set>
 
@@ -194,22 +194,28 @@ TEST_F(ZqPictureFile, FullDiskIsReported) {
 }
 
 #ifndef ZQAPI_SANITIZED
+/// Of this thread, so that other programs don't count.
+double ProcessorMs() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
 TEST_F(ZqPictureFile, FullHdFramesAreUnpackedFast) {
-    using Clock = std::chrono::steady_clock;
     for (const auto format : AllPixelFormats()) {
         const auto image = ZqTest::MakeImage(format, 1920, 1080);
         Frame large;
         large.CopyFrom(*image->GetIZqImage(), std::numeric_limits<size_t>::max());
-        auto fastest = Clock::duration::max();
-        for (int i = 0; i < 5; ++i) {
-            const auto begin = Clock::now();
+        double fastest = 1e9;
+        for (int i = 0; i < 2; ++i) {
+            const double begin = ProcessorMs();
             const Picture picture = Unpack(large);
             ASSERT_EQ(picture.width, 1920U);
-            fastest = std::min(fastest, Clock::now() - begin);
+            fastest = std::min(fastest, ProcessorMs() - begin);
         }
-        const auto ms = std::chrono::duration<double, std::milli>(fastest).count();
-        EXPECT_LT(ms, 100) << GetIZqPixelFormatInfo(format)->GetName().c_str();
-        RecordProperty(GetIZqPixelFormatInfo(format)->GetName().c_str(), std::to_string(ms));
+        const std::string name = GetIZqPixelFormatInfo(format)->GetName().c_str();
+        EXPECT_LT(fastest, 100) << name;
+        RecordProperty(name, std::to_string(fastest));
     }
 }
 #endif
