@@ -26,10 +26,11 @@ constexpr std::array<Fault, 8> lies = {{
     {"no terminator", 0, 0, false, 0, true},
 }};
 
+// The lies take turns, so that neighbouring calls and the other ways hear the rest.
 #ifdef ZQAPI_SANITIZED
-constexpr size_t liesPerCall = 2;
+constexpr size_t liesPerCall = 1;
 #else
-constexpr size_t liesPerCall = lies.size();
+constexpr size_t liesPerCall = 4;
 #endif
 
 /// What an opening function opens, whose handle a producer may keep to itself.
@@ -128,7 +129,7 @@ std::string NameOf(const testing::TestParamInfo<Way>& info) {
 TEST_P(LyingProducer, IsSurvivedWhateverItsAnswersHold) {
     for (size_t n = 0; n < m_Recorded.calls.size(); ++n) {
         for (size_t i = 0; i < liesPerCall; ++i)
-            LieOnce(n, lies[(n * liesPerCall + i) % lies.size()]);
+            LieOnce(n, lies[(n * 3 + i) % lies.size()]);
         if (HasFatalFailure())
             return;
     }

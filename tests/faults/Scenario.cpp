@@ -1,9 +1,13 @@
 #include "tests/faults/Scenario.h"
 
 #include <chrono>
-#include <filesystem>
+#include <cstdlib>
+#include <cstring>
 #include <new>
 #include <thread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "tests/faults/Pthreads.h"
 #include "tests/support/AllocationFailure.h"
@@ -42,8 +46,19 @@ int FramesToRetrieve(const Way& way) {
 }
 
 size_t ThreadCount() {
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return static_cast<size_t>(std::distance(begin(tasks), end(tasks)));
+    // Asked for very often: the count in the process's status line is cheaper than the list of its tasks.
+    char line[1024];
+    const int file = open("/proc/self/stat", O_RDONLY);
+    const ssize_t size = read(file, line, sizeof line - 1);
+    close(file);
+    if (file < 0 || size <= 0)
+        return 0;
+    line[size] = '\0';
+    // The 20th field; the second, in brackets, is the name.
+    const char* at = std::strrchr(line, ')');
+    for (int field = 2; at != nullptr && field < 20; ++field)
+        at = std::strchr(at + 1, ' ');
+    return at == nullptr ? 0 : std::strtoul(at, nullptr, 10);
 }
 
 Failure FailureOf(const std::function<void()>& action) {
