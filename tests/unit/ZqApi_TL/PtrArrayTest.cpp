@@ -158,8 +158,9 @@ TEST_F(Arrays, LowestIndexWins) {
     EXPECT_TRUE(producer.PushFrame("DS2", Frame("second")));
     EXPECT_TRUE(producer.PushFrame("DS1", Frame("first")));
     EXPECT_TRUE(Eventually([this] {
-        return streams[0]->GetIZqDataStreamInfo()->GetNumAwaitDelivery() == 1 &&
-               streams[1]->GetIZqDataStreamInfo()->GetNumAwaitDelivery() == 1;
+        // Delivered by the producer and in the stream's own queue.
+        return streams[0]->GetIZqDataStreamInfo()->GetNumDelivered() == 0 &&
+               streams[1]->GetIZqDataStreamInfo()->GetNumDelivered() == 0;
     }));
     for (size_t index = 0; index < 2; ++index) {
         const Buffer buffer(streams.RetrieveBuffer(10000, ReturnNull));
