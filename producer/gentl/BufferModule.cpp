@@ -113,8 +113,10 @@ uint8_t* AllocateMemory(size_t size) {
 
 } // namespace
 
-BufferModule::BufferModule(const CameraModel& model, void* base, size_t size, void* userPointer)
-    : Module(kind), m_model(model), m_memory(base == nullptr ? AllocateMemory(size) : nullptr),
+BufferModule::BufferModule(std::shared_ptr<const Object> owner, const CameraModel& model, void* base,
+                           size_t size, void* userPointer)
+    : Module(kind), m_owner(std::move(owner)), m_model(model),
+      m_memory(base == nullptr ? AllocateMemory(size) : nullptr),
       m_base(base == nullptr ? m_memory.get() : static_cast<uint8_t*>(base)), m_size(size),
       m_userPointer(userPointer) {}
 

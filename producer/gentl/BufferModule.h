@@ -52,7 +52,9 @@ public:
     static constexpr Kind kind = Kind::Buffer;
 
     /// A buffer in the consumer's memory, or, without a base address, in memory of its own.
-    BufferModule(const CameraModel& model, void* base, size_t size, void* userPointer);
+    /// The owner of the model lives as long as the buffer.
+    BufferModule(std::shared_ptr<const Object> owner, const CameraModel& model, void* base, size_t size,
+                 void* userPointer);
 
     [[nodiscard]] uint8_t* Base() const noexcept { return m_base; }
     [[nodiscard]] size_t Size() const noexcept { return m_size; }
@@ -83,6 +85,7 @@ private:
 
     [[nodiscard]] std::vector<ChunkPlace> Chunks(const FrameInfo& frame) const;
 
+    std::shared_ptr<const Object> m_owner;
     const CameraModel& m_model;
     std::unique_ptr<uint8_t, FreeMemory> m_memory;
     uint8_t* m_base;

@@ -104,7 +104,8 @@ void* StreamModule::Announce(void* base, size_t size, void* userPointer) {
     StreamEngine& engine = LiveEngine();
     if (size == 0)
         throw Failure(GenTL::GC_ERR_INVALID_PARAMETER, "a buffer of 0 bytes");
-    auto buffer = Publish(std::make_shared<BufferModule>(m_camera.Model(), base, size, userPointer));
+    auto buffer =
+        Publish(std::make_shared<BufferModule>(m_parent, m_camera.Model(), base, size, userPointer));
     try {
         engine.Announce(buffer);
     } catch (...) {
