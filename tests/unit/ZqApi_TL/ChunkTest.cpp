@@ -1,4 +1,5 @@
 #include <random>
+#include <thread>
 
 #include "tests/support/AllocationFailure.h"
 #include "tests/unit/ZqApi_TL/ChunkCamera.h"
@@ -178,6 +179,19 @@ TEST_F(StreamChunks, RootMayBeChunkDataAsWell) {
     EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(3))), 3);
 }
 
+TEST_F(StreamChunks, RootChunkDataIsTakenBeforeChunkDataControl) {
+    std::string text(20000, '\0');
+    producer.ReadRegister("REMOTE1", 0x10000, text.data(), text.size());
+    text = text.c_str();
+    text.insert(text.find("<Port Name"),
+                "<Category Name=\"ChunkData\"><pFeature>ChunkWidth</pFeature></Category>");
+    producer.SetDescription("REMOTE", "camera.xml", text);
+    StartAs("U3V");
+    const Buffer buffer = RetrieveNewFrame(StampedFrame(3));
+    EXPECT_NE(buffer->GetChunkINodeMap()->GetNode("ChunkWidth"), nullptr);
+    EXPECT_EQ(buffer->GetChunkINodeMap()->GetNode("ChunkTimestamp"), nullptr);
+}
+
 TEST_F(StreamChunks, NodeMapHasTheParametersLocked) {
     StartAs("U3V");
     const Buffer buffer = RetrieveNewFrame(StampedFrame(3));
@@ -346,6 +360,47 @@ TEST_F(PortChunks, CoaXPressPortHasTheGenericAdapterThatCanNotReadALayout) {
     OpenAs("CXP");
     std::string bytes = LittleEndianChunks(Stamped(300));
     EXPECT_THROW(Attach(bytes), GenICam::GenericException);
+}
+
+TEST_F(PortChunks, UnknownTransportMakesNoAdapter) {
+    OpenAs("U3V");
+    std::string bytes = LittleEndianChunks(Stamped(100));
+    producer.Answer("GCGetPortInfo").On("REMOTE1").Command(PORT_INFO_TLTYPE).OnCall(1).With(GC_ERR_IO);
+    EXPECT_EQ(CatchProducerError([&] { Attach(bytes); }).text,
+              "-1010 = GCGetPortInfo(PTR, 3, PTR, PTR, PTR)");
+    Attach(bytes);
+    EXPECT_EQ(MainTimestamp(), 100);
+    Port()->DetachChunkBuffer();
+}
+
+TEST_F(PortChunks, NoFailedAllocationLeavesAnAdapterBehind) {
+    OpenAs("U3V");
+    std::string bytes = LittleEndianChunks(Stamped(100));
+    Port()->GetINodeMap();
+    bool failed = true;
+    for (uint64_t n = 1; failed; ++n) {
+        const FailingAllocation failing(n);
+        try {
+            Attach(bytes);
+        } catch (const GenICam::BadAllocException&) {
+        }
+        failed = failing.Failed();
+        Port()->DetachChunkBuffer();
+    }
+    Attach(bytes);
+    EXPECT_EQ(MainTimestamp(), 100);
+    Port()->DetachChunkBuffer();
+}
+
+TEST_F(PortChunks, TwoFirstUsersFillOneFactory) {
+    OpenAs("U3V");
+    GenApi::CNodeMapRef first, second;
+    std::thread other([&] { Port()->CreateSubTreeNodeMapForChunkData(first); });
+    Port()->CreateSubTreeNodeMapForChunkData(second);
+    other.join();
+    EXPECT_NE(first._GetNode("ChunkTimestamp"), nullptr);
+    EXPECT_NE(second._GetNode("ChunkTimestamp"), nullptr);
+    EXPECT_NE(first._Ptr, second._Ptr);
 }
 
 TEST_F(PortChunks, EveryNodeMapForThemIsOneOfItsOwn) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <functional>
 #include <random>
 
@@ -120,6 +121,35 @@ TEST_F(RemoteEvents, ItemIsDeliveredUnderItsIdAsText) {
         device.reset();
         system.reset();
     }
+}
+
+TEST_F(RemoteEvents, OnlyTheTwoNamesOfTransportsHaveAdaptersOfTheirOwn) {
+    // Only such an adapter can read the identifier out of a bare item.
+    for (const char* const tlType : {"", "gev", "GEV2", "u3v", "CXP", "CL"}) {
+        OpenAs(tlType);
+        PushBlock(ITEM);
+        EXPECT_FALSE(arrived.Wait(10)) << tlType;
+        GenApi::Deregister(registered);
+        registered = 0;
+        stream.reset();
+        device.reset();
+        system.reset();
+    }
+}
+
+TEST_F(RemoteEvents, ThreadEndsBeforeItsEventIsUnregistered) {
+    OpenAs("U3V");
+    GenApi::Deregister(registered);
+    registered = 0;
+    stream.reset();
+    producer.ClearLog();
+    device.reset();
+    const Calls log = producer.Log({"EventKill", "GCUnregisterEvent"});
+    const auto killed = std::find(log.begin(), log.end(), "EventKill(DEV1/4)");
+    const auto unregistered = std::find(log.begin(), log.end(), "GCUnregisterEvent(DEV1, 4)");
+    ASSERT_NE(killed, log.end());
+    ASSERT_NE(unregistered, log.end());
+    EXPECT_LT(killed, unregistered);
 }
 
 TEST_F(RemoteEvents, ItemsAreAskedIdentifierFirst) {

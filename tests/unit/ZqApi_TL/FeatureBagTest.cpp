@@ -210,6 +210,23 @@ TEST_F(FeatureBag, EmptyOneLoads) {
     EXPECT_TRUE(bag->Load(Nodes(), true, nullptr));
 }
 
+TEST_F(FeatureBag, WithoutVerificationLimitsAreTheCamerasMatter) {
+    Open();
+    Fill(std::string(MAGIC) + "Width\t70000\n");
+    EXPECT_FALSE(bag->Load(Nodes(), true, nullptr));
+    EXPECT_EQ(producer.GetRegister<uint32_t>("REMOTE1", 0x100), 64u);
+    EXPECT_TRUE(bag->Load(Nodes(), false, nullptr));
+    EXPECT_EQ(producer.GetRegister<uint32_t>("REMOTE1", 0x100), 70000u);
+}
+
+TEST_F(FeatureBag, FileWithoutMagicEmptiesIt) {
+    Fill(HEAD + std::string("A\t1\n"));
+    WriteFile("A\t1\n");
+    EXPECT_NE(Refusal([this] { bag->StoreFileToBag(file.c_str()); }).find("missing the magic GUID"),
+              std::string::npos);
+    EXPECT_EQ(Text(), HEAD);
+}
+
 TEST_F(FeatureBag, FailedAllocationSaysSo) {
     {
         const FailingAllocation failing(1);

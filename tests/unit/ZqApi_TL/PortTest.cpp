@@ -1,4 +1,6 @@
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -325,6 +327,38 @@ TEST_F(Ports, SaveKeepsEveryByteOfAFileNamedZip) {
     Port().SaveXMLFile(TempFile().c_str());
     EXPECT_EQ(Contents(TempFile()), bytes);
     std::remove(TempFile().c_str());
+}
+
+/// A folder of its own for preprocessed descriptions, while the object lives.
+class CacheFolder {
+public:
+    CacheFolder() {
+        std::filesystem::create_directory(m_Name);
+        ::setenv("GENICAM_CACHE_V3_0", m_Name.c_str(), 1);
+    }
+    ~CacheFolder() {
+        ::unsetenv("GENICAM_CACHE_V3_0");
+        std::filesystem::remove_all(m_Name);
+    }
+    size_t Files() const {
+        return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(m_Name), {}));
+    }
+
+private:
+    const std::string m_Name = testing::TempDir() + "zqapi_cache_" + std::to_string(::getpid());
+};
+
+TEST_F(Ports, DescriptionsAreCachedButThoseOfAPortNamedDevice) {
+    const CacheFolder cache;
+    producer.SetDescription("TL1", "two.xml", TWO_FEATURES);
+    producer.Answer("GCGetPortInfo").Command(PORT_INFO_PORTNAME).Text("Device");
+    EXPECT_NE(Port().GetINodeMap(), nullptr);
+    EXPECT_EQ(cache.Files(), 0u);
+    producer.Answer("GCGetPortInfo").Command(PORT_INFO_PORTNAME).Text("TLPort");
+    EXPECT_NE(Port().GetINodeMap()->GetNode("Leaf"), nullptr);
+    EXPECT_EQ(cache.Files(), 1u);
+    EXPECT_NE(Port().GetINodeMap()->GetNode("Leaf"), nullptr);
+    EXPECT_EQ(cache.Files(), 1u);
 }
 
 TEST_F(Ports, PlainFileOfNothingButNulsIsSavedEmpty) {

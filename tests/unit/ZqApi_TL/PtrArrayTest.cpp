@@ -1,5 +1,6 @@
 #include <atomic>
 
+#include "tests/support/AllocationFailure.h"
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
 
 namespace ZqTest {
@@ -186,6 +187,65 @@ TEST_F(Arrays, EmptyOneTimesOutAtOnce) {
               "A timeout occurred during the processing of CIZqDataStreamPtrArray::RetrieveBuffer(5000, 1)");
 }
 
+TEST_F(Arrays, FailedAllocationLeavesTheObjectWithTheCaller) {
+    {
+        const FailingAllocation failing(1);
+        EXPECT_EQ(Catch<GenICam::BadAllocException>([] { CIZqDevicePtrArray array; }).text, "std::bad_alloc");
+    }
+    CIZqDevicePtrArray array;
+    IZqDeviceReleasable* const device = devices.Deregister(0);
+    {
+        const FailingAllocation failing(1);
+        const Thrown thrown = Catch<GenICam::BadAllocException>([&] { array.Register(device); });
+        EXPECT_EQ(thrown.text, "std::bad_alloc");
+        EXPECT_EQ(thrown.source, "ZqApi_TL/ZqAutoPtrArray");
+    }
+    EXPECT_EQ(array.GetSize(), 0u);
+    devices.Register(device);
+}
+
+/// A data stream that is not the library's.
+class ForeignStream final : public IZqDataStreamReleasable {
+public:
+    void* RegisterCallback(IZqCallback*) override { return nullptr; }
+    void DeregisterCallback(void*) override {}
+    IZqDevice* GetIZqDevice() override { return nullptr; }
+    IZqPort* GetIZqPort() override { return nullptr; }
+    const IZqDataStreamInfo* GetIZqDataStreamInfo() override { return nullptr; }
+    size_t GetStreamBufferCount() override { return 0; }
+    void SetStreamBufferCount(size_t) override {}
+    IZqStreamBufferReleasable* RetrieveBuffer(uint32_t, EZqTimeoutHandling_t) override { return nullptr; }
+    void StartAcquisition(uint64_t, ACQ_START_FLAGS) override {}
+    void StopAcquisition(ACQ_STOP_FLAGS) override {}
+    bool IsGrabbing() override { return false; }
+    double GetCurrentFPS() override { return 0; }
+    double GetCurrentBPS() override { return 0; }
+    void Release() override {
+        throw GenICam::LogicalErrorException("stays", "test", 1, "LogicalErrorException");
+    }
+    void StartEventAcquisitionThread() override {}
+    void StopEventAcquisitionThread() override {}
+};
+
+TEST_F(Arrays, ForeignStreamStopsTheRetrieval) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    ForeignStream foreign;
+    streams.Register(&foreign);
+    EXPECT_DEATH(streams.RetrieveBuffer(0, ReturnNull), "\\(pIZqDataStreamInside\\) != NULL");
+    streams.Deregister(2);
+}
+
+TEST_F(Arrays, RefusedReleaseIsSwallowedByTheDestructorAndStaysOtherwise) {
+    ForeignStream foreign;
+    CIZqDataStreamPtrArray array;
+    array.Register(streams.Deregister(0));
+    array.Register(&foreign);
+    EXPECT_THROW(array.Release(), GenICam::LogicalErrorException);
+    EXPECT_EQ(array.GetSize(), 1u);
+    EXPECT_EQ(array[0], &foreign);
+    EXPECT_EQ(producer.Log("DSClose"), (Calls{"DSClose(DS1)"}));
+}
+
 TEST_F(Arrays, ElevenStreamsAreWaitedOnAtOnce) {
     for (int index = 0; index < 9; ++index)
         producer.AddDevice("IFB", "MORE" + std::to_string(index));
@@ -202,9 +262,13 @@ TEST_F(Arrays, ElevenStreamsAreWaitedOnAtOnce) {
         all.Register(moreDevices[index]->CreateIZqDataStream(0, nullptr));
     all.StartAcquisition(GENTL_INFINITE, ACQ_START_FLAGS_DEFAULT);
     EXPECT_TRUE(producer.PushFrame("DS11", Frame("last")));
-    const Buffer buffer(all.RetrieveBuffer(10000, ReturnNull));
-    ASSERT_TRUE(buffer);
-    EXPECT_EQ(buffer->GetIZqDataStream(), all[10]);
+    {
+        const Buffer buffer(all.RetrieveBuffer(10000, ReturnNull));
+        ASSERT_TRUE(buffer);
+        EXPECT_EQ(buffer->GetIZqDataStream(), all[10]);
+    }
+    const FailingAllocation failing(1);
+    EXPECT_THROW(all.RetrieveBuffer(0, ReturnNull), GenICam::BadAllocException);
 }
 
 class SystemArrays : public ModuleTree {
@@ -219,6 +283,18 @@ TEST_F(SystemArrays, FirstDeviceComesFromTheFirstSystemThatHasOne) {
     const Device device(systems.CreateFirstIZqDevice(DEVICE_ACCESS_CONTROL));
     ASSERT_TRUE(device);
     EXPECT_STREQ(device->GetIZqDeviceInfo()->GetID().c_str(), "DEV1");
+}
+
+TEST_F(SystemArrays, SystemThatThrowsIsPassedOver) {
+    CIZqSystemPtrArray systems;
+    systems.Register(CreateIZqSystem(ZqSystemVendor_Default, ZqInterfaceType_All));
+    systems.Register(CreateIZqSystem(ZqSystemVendor_Default, ZqInterfaceType_All));
+    producer.Answer("IFOpenDevice").OnCall(1).With(GC_ERR_ACCESS_DENIED);
+    const Device device(systems.CreateFirstIZqDevice(DEVICE_ACCESS_CONTROL));
+    EXPECT_TRUE(device);
+    for (const DEVICE_ACCESS_FLAGS flags : {DEVICE_ACCESS_FLAGS{1}, DEVICE_ACCESS_FLAGS{5}})
+        EXPECT_EQ(Catch<GenICam::RuntimeException>([&] { systems.CreateFirstIZqDevice(flags); }).text,
+                  "There is no available device.");
 }
 
 TEST_F(SystemArrays, NoDeviceAnywhereSaysSo) {
