@@ -149,24 +149,26 @@ void BufferModule::AnswerInfo(GenTL::BUFFER_INFO_CMD command, const InfoTarget& 
     zqgentl::AnswerInfo(rows, View{*this, Frame()}, command, target);
 }
 
-std::vector<ChunkPlace> BufferModule::Chunks(const FrameInfo& frame) const {
+void BufferModule::AddChunks(const FrameInfo& frame, std::vector<ChunkPlace>& places) const {
     RequireChunks(frame);
     if (m_model.technology == Technology::CoaXPress) {
         const ChunkLayout layout(m_model.technology, frame.chunkMask, frame.imageSize);
         if (frame.chunksBroken || layout.PayloadSize() != frame.sizeFilled)
             throw Failure(GenTL::GC_ERR_PARSING_CHUNK_DATA, "the chunk data is not complete");
-        return layout.Places();
+        layout.AddPlaces(places);
+        return;
     }
     const ByteOrder order = m_model.technology == Technology::GigEVision ? ByteOrder::Big : ByteOrder::Little;
-    std::vector<ChunkPlace> places;
     if (!WalkChunks(order, m_base, frame.sizeFilled, places))
         throw Failure(GenTL::GC_ERR_PARSING_CHUNK_DATA, "the tags of the chunks don't lead to the start");
-    return places;
 }
 
 void BufferModule::AnswerChunks(GenTL::SINGLE_CHUNK_DATA* entries, size_t* count) const {
     size_t& capacity = Required(count, "the count");
-    const std::vector<ChunkPlace> places = Chunks(Frame());
+    // Asked for every frame: after a thread's first, nothing is allocated.
+    thread_local std::vector<ChunkPlace> places;
+    places.clear();
+    AddChunks(Frame(), places);
     if (entries != nullptr) {
         Required(entries, "the entries");
         if (capacity < places.size())

@@ -83,7 +83,7 @@ private:
         void operator()(uint8_t* memory) const noexcept { std::free(memory); }
     };
 
-    [[nodiscard]] std::vector<ChunkPlace> Chunks(const FrameInfo& frame) const;
+    void AddChunks(const FrameInfo& frame, std::vector<ChunkPlace>& places) const;
 
     std::shared_ptr<const Object> m_owner;
     const CameraModel& m_model;

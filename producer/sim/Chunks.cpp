@@ -111,11 +111,9 @@ uint32_t ChunkLayout::Id() const noexcept {
     return hash == 0 ? 1 : hash;
 }
 
-std::vector<ChunkPlace> ChunkLayout::Places() const {
-    std::vector<ChunkPlace> places;
+void ChunkLayout::AddPlaces(std::vector<ChunkPlace>& places) const {
     for (size_t i = 0; i < m_count; ++i)
         places.push_back({RowOf(m_entries[i].chunk).id, m_entries[i].offset, m_entries[i].length});
-    return places;
 }
 
 void ChunkLayout::Tag(uint8_t* at, uint32_t id, uint32_t length) const {

@@ -70,7 +70,8 @@ public:
     [[nodiscard]] ChunkMask Mask() const noexcept { return m_mask; }
     /// Another number for every other layout; never 0.
     [[nodiscard]] uint32_t Id() const noexcept;
-    [[nodiscard]] std::vector<ChunkPlace> Places() const;
+    /// Appends where the chunks lie, in their order.
+    void AddPlaces(std::vector<ChunkPlace>& places) const;
 
     /// Writes what follows the image. The payload must have room for all of it; `base` points to its start.
     void Write(const ChunkValues& values, uint8_t* base) const;
