@@ -56,6 +56,9 @@ IZqPortInfo* CZqPort::GetIZqPortInfo() const {
 }
 
 CZqXMLFile& CZqPort::CreatedXMLFile() {
+    // Without the lock: node callbacks ask for their node map while they hold that map's own lock.
+    if (m_XMLFile.IsCreated())
+        return m_XMLFile;
     const std::lock_guard<std::mutex> lock(m_CreationMutex);
     ConvertBadAlloc(UNIT, __LINE__, [this] {
         if (m_XMLFile.IsCreated())

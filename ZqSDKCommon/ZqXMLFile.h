@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include <ZqApi/Types.h>
@@ -25,6 +26,7 @@ public:
     /// Builds the main node map and connects it to the port, once; later calls do nothing. After a failure
     /// the next call loads again.
     void CreateNodeMap(const gcstring& url, GenApi::IPort* pPort, const gcstring& portName);
+    /// Any thread.
     bool IsCreated() const { return m_bCreated; }
     /// The main node map; null until created.
     INodeMap* GetNodeMap() const;
@@ -62,7 +64,8 @@ private:
     GenApi::CNodeMapRef m_NodeMapRef{"Device"};
     std::unique_ptr<GenApi::CNodeMapFactory> m_Factory;
     GenApi::CNodeMapFactory m_ChunkFactory;
-    bool m_bCreated = false;
+    // Set last: whoever sees it set may use the node map without the port's lock.
+    std::atomic<bool> m_bCreated{false};
     GenApi::IPort* m_pPort = nullptr;
     gcstring m_PortName;
     gcstring m_DeviceName;
