@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <iostream>
 #include <thread>
 
@@ -15,25 +14,10 @@ namespace {
 // No answer of a producer may make the library allocate more; nothing that it needs is near it.
 constexpr size_t largestAllocation = 64u << 20;
 
-/// A joined thread may stand in the list of tasks for a moment longer.
-bool ThreadsEnd(size_t expected) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-    while (ThreadCount() != expected)
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-    return true;
-}
-
 /// The threads of a process that has had others: a sanitizer starts one of its own beside the first.
 size_t LastingThreads() {
     std::thread([] {}).join();
-    for (size_t count = ThreadCount();;) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        const size_t now = ThreadCount();
-        if (now == count)
-            return count;
-        count = now;
-    }
+    return ThreadCount();
 }
 
 } // namespace
@@ -93,7 +77,7 @@ void Runs::Check(const std::string& what, const Outcome& outcome, const LeftOpen
         EXPECT_EQ(Producer().Opened(kind), Producer().Closed(kind) + left)
             << m_Way.name << ", " << what << ": " << kind << " left open";
     }
-    EXPECT_TRUE(ThreadsEnd(m_ThreadsBefore)) << m_Way.name << ", " << what << ": threads left running";
+    EXPECT_EQ(ThreadCount(), m_ThreadsBefore) << m_Way.name << ", " << what << ": threads left running";
     EXPECT_EQ(outcome.locksHeld, "") << m_Way.name << ", " << what << ": locks left taken";
 }
 

@@ -6,6 +6,7 @@
 #include <new>
 #include <thread>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -30,6 +31,24 @@ Failure DescribeCall(const char* kind, const E& exception) {
             static_cast<int>(exception.GetError())};
 }
 
+/// The kernel's flags of a thread; all are set of one that is gone.
+unsigned long FlagsOf(const char* task) {
+    const std::string path = std::string("/proc/self/task/") + task + "/stat";
+    char line[1024];
+    const int file = open(path.c_str(), O_RDONLY);
+    const ssize_t size = file < 0 ? 0 : read(file, line, sizeof line - 1);
+    if (file >= 0)
+        close(file);
+    if (size <= 0)
+        return ~0UL;
+    line[size] = '\0';
+    // The 9th field; the second, in brackets, is the name.
+    const char* at = std::strrchr(line, ')');
+    for (int field = 2; at != nullptr && field < 9; ++field)
+        at = std::strchr(at + 1, ' ');
+    return at == nullptr ? ~0UL : std::strtoul(at, nullptr, 10);
+}
+
 } // namespace
 
 // clang-format off
@@ -46,19 +65,15 @@ int FramesToRetrieve(const Way& way) {
 }
 
 size_t ThreadCount() {
-    // Asked for very often: the count in the process's status line is cheaper than the list of its tasks.
-    char line[1024];
-    const int file = open("/proc/self/stat", O_RDONLY);
-    const ssize_t size = read(file, line, sizeof line - 1);
-    close(file);
-    if (file < 0 || size <= 0)
-        return 0;
-    line[size] = '\0';
-    // The 20th field; the second, in brackets, is the name.
-    const char* at = std::strrchr(line, ')');
-    for (int field = 2; at != nullptr && field < 20; ++field)
-        at = std::strchr(at + 1, ' ');
-    return at == nullptr ? 0 : std::strtoul(at, nullptr, 10);
+    // A joined thread may stand in the list for a moment longer.
+    constexpr unsigned long exiting = 0x4;
+    size_t count = 0;
+    DIR* const tasks = opendir("/proc/self/task");
+    for (const dirent* task = nullptr; tasks != nullptr && (task = readdir(tasks)) != nullptr;)
+        if (task->d_name[0] != '.' && (FlagsOf(task->d_name) & exiting) == 0)
+            ++count;
+    closedir(tasks);
+    return count;
 }
 
 Failure FailureOf(const std::function<void()>& action) {

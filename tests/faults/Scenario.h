@@ -119,7 +119,7 @@ private:
     uint64_t m_nFrame = 0;
 };
 
-/// Threads of the process.
+/// Threads of the process that have not ended.
 size_t ThreadCount();
 
 } // namespace ZqTest
