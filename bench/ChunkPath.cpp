@@ -10,33 +10,14 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 #include <vector>
 
-namespace {
+#include "tests/support/AllocationFailure.h"
 
-thread_local uint64_t t_Allocations = 0;
+namespace {
 
 constexpr int ROUNDS = 15;
 constexpr uint64_t FRAMES = 400;
-
-} // namespace
-
-void* operator new(size_t size) {
-    ++t_Allocations;
-    if (void* const memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
-}
-
-namespace {
 
 using namespace ZqApi;
 
@@ -67,12 +48,12 @@ double Deliver(const Camera& camera, bool chunks, uint64_t& allocations) {
     for (uint64_t frame = 0; frame < FRAMES; ++frame) {
         if (frame == FRAMES / 10) {
             begin = std::chrono::steady_clock::now();
-            allocations -= t_Allocations;
+            allocations -= ZqTest::AllocationCountOfThisThread();
         }
         camera.stream.RetrieveBuffer(10000, ZqTimeoutHandling_ThrowException)->Release();
     }
     const std::chrono::duration<double, std::micro> elapsed = std::chrono::steady_clock::now() - begin;
-    allocations += t_Allocations;
+    allocations += ZqTest::AllocationCountOfThisThread();
     camera.device.AcquisitionStop();
     camera.stream.StopAcquisition(ACQ_STOP_FLAGS_DEFAULT);
     return elapsed.count() / (FRAMES - FRAMES / 10);

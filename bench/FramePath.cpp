@@ -9,34 +9,15 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 #include <thread>
 
 #include <sys/resource.h>
 
-namespace {
+#include "tests/support/AllocationFailure.h"
 
-std::atomic<uint64_t> g_Allocations{0};
+namespace {
 
 constexpr uint64_t FRAMES = 1000000;
-
-} // namespace
-
-void* operator new(size_t size) {
-    g_Allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* const memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
-}
-
-namespace {
 
 using namespace ZqApi;
 
@@ -56,7 +37,7 @@ public:
         if (++m_Frames != FRAMES / 10)
             return;
         m_Begin = std::chrono::steady_clock::now();
-        m_Allocations = g_Allocations;
+        m_Allocations = ZqTest::AllocationCount();
         m_Switches = ContextSwitches();
     }
 
@@ -67,7 +48,7 @@ public:
         const double measured = static_cast<double>(FRAMES - FRAMES / 10);
         std::printf("%-10s %9.0f frames/s %8.3f us/frame %8.6f allocations/frame %8.4f switches/frame%s\n",
                     name, measured / elapsed.count(), elapsed.count() * 1e6 / measured,
-                    static_cast<double>(g_Allocations - m_Allocations) / measured,
+                    static_cast<double>(ZqTest::AllocationCount() - m_Allocations) / measured,
                     static_cast<double>(ContextSwitches() - m_Switches) / measured,
                     m_InOrder ? "" : "  FRAMES LOST");
         return m_InOrder;

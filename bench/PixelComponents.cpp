@@ -12,6 +12,7 @@
 
 #include "tests/support/ImageBuffers.h"
 #include "tests/support/PixelLayout.h"
+#include "tools/zq/PixelFormats.h"
 
 namespace {
 
@@ -21,107 +22,6 @@ constexpr size_t WIDTH = 1920;
 constexpr size_t HEIGHT = 1080;
 constexpr double LIMIT_NS = 40;
 constexpr int PASSES = 3;
-
-constexpr EZqPixelFormatNamingConvention_t FORMATS[] = {
-    ZqPixelFormat_Mono1p,
-    ZqPixelFormat_Mono2p,
-    ZqPixelFormat_Mono4p,
-    ZqPixelFormat_Mono8,
-    ZqPixelFormat_Mono10,
-    ZqPixelFormat_Mono10p,
-    ZqPixelFormat_Mono12,
-    ZqPixelFormat_Mono12p,
-    ZqPixelFormat_Mono14,
-    ZqPixelFormat_Mono14p,
-    ZqPixelFormat_Mono16,
-    ZqPixelFormat_BayerGR4p,
-    ZqPixelFormat_BayerRG4p,
-    ZqPixelFormat_BayerGB4p,
-    ZqPixelFormat_BayerBG4p,
-    ZqPixelFormat_BayerGR8,
-    ZqPixelFormat_BayerGR10,
-    ZqPixelFormat_BayerGR10p,
-    ZqPixelFormat_BayerGR12,
-    ZqPixelFormat_BayerGR12p,
-    ZqPixelFormat_BayerGR14,
-    ZqPixelFormat_BayerGR14p,
-    ZqPixelFormat_BayerGR16,
-    ZqPixelFormat_BayerRG8,
-    ZqPixelFormat_BayerRG10,
-    ZqPixelFormat_BayerRG10p,
-    ZqPixelFormat_BayerRG12,
-    ZqPixelFormat_BayerRG12p,
-    ZqPixelFormat_BayerRG14,
-    ZqPixelFormat_BayerRG14p,
-    ZqPixelFormat_BayerRG16,
-    ZqPixelFormat_BayerGB8,
-    ZqPixelFormat_BayerGB10,
-    ZqPixelFormat_BayerGB10p,
-    ZqPixelFormat_BayerGB12,
-    ZqPixelFormat_BayerGB12p,
-    ZqPixelFormat_BayerGB14,
-    ZqPixelFormat_BayerGB14p,
-    ZqPixelFormat_BayerGB16,
-    ZqPixelFormat_BayerBG8,
-    ZqPixelFormat_BayerBG10,
-    ZqPixelFormat_BayerBG10p,
-    ZqPixelFormat_BayerBG12,
-    ZqPixelFormat_BayerBG12p,
-    ZqPixelFormat_BayerBG14,
-    ZqPixelFormat_BayerBG14p,
-    ZqPixelFormat_BayerBG16,
-    ZqPixelFormat_GVSP_Mono10Packed,
-    ZqPixelFormat_GVSP_Mono12Packed,
-    ZqPixelFormat_GVSP_BayerGR10Packed,
-    ZqPixelFormat_GVSP_BayerGR12Packed,
-    ZqPixelFormat_GVSP_BayerRG10Packed,
-    ZqPixelFormat_GVSP_BayerRG12Packed,
-    ZqPixelFormat_GVSP_BayerGB10Packed,
-    ZqPixelFormat_GVSP_BayerGB12Packed,
-    ZqPixelFormat_GVSP_BayerBG10Packed,
-    ZqPixelFormat_GVSP_BayerBG12Packed,
-    ZqPixelFormat_RGB8,
-    ZqPixelFormat_BGR8,
-    ZqPixelFormat_BGR10,
-    ZqPixelFormat_BGR12,
-    ZqPixelFormat_BGR14,
-    ZqPixelFormat_BGR16,
-    ZqPixelFormat_RGBa8,
-    ZqPixelFormat_BGRa8,
-    ZqPixelFormat_BGRa10,
-    ZqPixelFormat_BGRa12,
-    ZqPixelFormat_BGRa14,
-    ZqPixelFormat_BGRa16,
-    ZqPixelFormat_RGB10p32,
-    ZqPixelFormat_CBGR10p32,
-    ZqPixelFormat_YCbCr8,
-    ZqPixelFormat_YCbCr411_8,
-    ZqPixelFormat_YCbCr422_8,
-    ZqPixelFormat_YCbCr709_422_8,
-    ZqPixelFormat_RGB8_Planar,
-    ZqPixelFormat_RGB10_Planar,
-    ZqPixelFormat_RGB12_Planar,
-    ZqPixelFormat_RGB16_Planar,
-    ZqPixelFormat_RGB16,
-    ZqPixelFormat_BGR10p,
-    ZqPixelFormat_BGR12p,
-    ZqPixelFormat_RGB10p,
-    ZqPixelFormat_RGB12p,
-    ZqPixelFormat_YCbCr601_422_8,
-    ZqPixelFormat_YCbCr411_8_CbYYCrYY,
-    ZqPixelFormat_YCbCr601_411_8_CbYYCrYY,
-    ZqPixelFormat_YCbCr709_411_8_CbYYCrYY,
-    ZqPixelFormat_YCbCr422_8_CbYCrY,
-    ZqPixelFormat_YCbCr601_422_8_CbYCrY,
-    ZqPixelFormat_YCbCr709_422_8_CbYCrY,
-    ZqPixelFormat_YCbCr8_CbYCr,
-    ZqPixelFormat_YCbCr601_8_CbYCr,
-    ZqPixelFormat_YCbCr709_8_CbYCr,
-    ZqPixelFormat_YUV411_8_UYYVYY,
-    ZqPixelFormat_YUV422_8_UYVY,
-    ZqPixelFormat_YUV8_UYV,
-    ZqPixelFormat_YUV422_8,
-};
 
 /// True when the pixel is what its format's name says.
 bool IsRight(IZqImage& image, const char* format, size_t x, size_t y) {
@@ -202,7 +102,7 @@ int main() try {
     {
         const ZqTest::ImageBuffer buffer = ZqTest::MakeImageBuffer();
         std::printf("| format | ns/pixel |\n|---|---|\n");
-        for (const EZqPixelFormatNamingConvention_t format : FORMATS)
+        for (const EZqPixelFormatNamingConvention_t format : ZqTool::AllPixelFormats())
             good = MeasureFormat(*buffer, format) && good;
     }
     ZqApiTerminate();

@@ -28,9 +28,20 @@ print_skipped() {
          reason && NF { print "skipped: " $0 }' "$log" | sort | uniq -c
 }
 
+# Once more behind everything else, where a log that was cut short still has it.
+print_failed() {
+    awk '/ Testing: / { name = $3; count = 0 }
+         { line[count++] = $0 }
+         /^Test (Failed|Timeout|timeout)/ {
+             print "failed: " name
+             for (i = count > 30 ? count - 30 : 0; i < count; ++i) print "    " line[i]
+         }' "$build/Testing/Temporary/LastTest.log"
+}
+
 cmake --preset "$preset" -DZQAPI_WARNINGS_AS_ERRORS="$werror"
 cmake --build --preset "$preset" -j "$jobs"
 status=0
 ctest --test-dir "$build" --no-tests=error --output-on-failure -j "$jobs" "${left_out[@]}" || status=$?
 print_skipped
+[ "$status" -eq 0 ] || print_failed
 exit "$status"

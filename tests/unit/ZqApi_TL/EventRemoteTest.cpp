@@ -34,6 +34,15 @@ protected:
         OpenedStream::TearDown();
     }
 
+    /// For a test that opens once more.
+    void Close() {
+        GenApi::Deregister(registered);
+        registered = 0;
+        stream.reset();
+        device.reset();
+        system.reset();
+    }
+
     void OpenAs(const std::string& tlType) {
         producer.Answer("DevGetInfo").Command(DEVICE_INFO_TLTYPE).Text(tlType);
         OpenedStream::SetUp();
@@ -115,11 +124,7 @@ TEST_F(RemoteEvents, ItemIsDeliveredUnderItsIdAsText) {
         PushItem("9C40");
         ASSERT_TRUE(arrived.Wait()) << tlType;
         EXPECT_EQ(Value("EventData"), 0xDEADBEEF);
-        GenApi::Deregister(registered);
-        registered = 0;
-        stream.reset();
-        device.reset();
-        system.reset();
+        Close();
     }
 }
 
@@ -129,11 +134,7 @@ TEST_F(RemoteEvents, OnlyTheTwoNamesOfTransportsHaveAdaptersOfTheirOwn) {
         OpenAs(tlType);
         PushBlock(ITEM);
         EXPECT_FALSE(arrived.Wait(10)) << tlType;
-        GenApi::Deregister(registered);
-        registered = 0;
-        stream.reset();
-        device.reset();
-        system.reset();
+        Close();
     }
 }
 
@@ -254,11 +255,7 @@ TEST_F(RemoteEvents, NoMutationOfAPacketStopsTheEvents) {
             PushBlock(whole);
             return arrived.Wait(100);
         }));
-        GenApi::Deregister(registered);
-        registered = 0;
-        stream.reset();
-        device.reset();
-        system.reset();
+        Close();
     }
 }
 
