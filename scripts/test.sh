@@ -32,7 +32,7 @@ print_skipped() {
 print_failed() {
     awk '/ Testing: / { name = $3; count = 0 }
          { line[count++] = $0 }
-         /^Test (Failed|Timeout|timeout)/ {
+         /^Test Failed/ {
              print "failed: " name
              for (i = count > 30 ? count - 30 : 0; i < count; ++i) print "    " line[i]
          }' "$build/Testing/Temporary/LastTest.log"
