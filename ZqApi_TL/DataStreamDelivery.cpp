@@ -1,4 +1,7 @@
+#include <cxxabi.h>
+
 #include "ZqApi_TL/Remaining.h"
+#include "ZqApi_TL/Teardown.h"
 #include "ZqApi_TL/ZqDataStream.h"
 #include "ZqGenTLCommon/ZqGenTLError.h"
 
@@ -107,9 +110,11 @@ void CZqDataStream::AttachChunks(CZqStreamBuffer& buffer) {
             buffer.AttachChunkBuffer();
         else
             buffer.DetachChunkBuffer();
-    } catch (const std::exception&) {
-        // What can't be read as chunk data is a frame all the same.
-        buffer.DetachChunkBuffer();
+    } catch (abi::__forced_unwind&) {
+        throw; // a thread that is being cancelled must unwind to its end
+    } catch (...) {
+        // What can't be read as chunk data, or what a node callback does not bear, is a frame all the same.
+        Teardown().Run([&buffer] { buffer.DetachChunkBuffer(); });
     }
 }
 

@@ -5,6 +5,7 @@
 #include "ZqApi_TL/EventItem.h"
 #include "ZqApi_TL/Teardown.h"
 #include "ZqApi_TL/TransportAdapters.h"
+#include "ZqSDKCommon/Error.h"
 
 namespace ZqApi {
 namespace {
@@ -40,8 +41,12 @@ bool IsTransportPacket(const EventItem& value) {
 
 CZqEventRemoteDevice::CZqEventRemoteDevice(CZqGenTLLib* pGenTL, IZqDeviceInside* pDevice, const char* name)
     : CZqEvent(pGenTL, pDevice->GetDeviceHandle(), EVENT_REMOTE_DEVICE, name), m_pIZqDeviceInside(pDevice),
-      m_pCEventAdapter(MakeEventAdapter(pDevice->GetIZqDeviceInfo()->GetTLType(),
-                                        pDevice->GetRemoteIZqPort()->GetINodeMap())),
+      m_pCEventAdapter(ConvertBadAlloc(UNIT, __LINE__,
+                                       [pDevice] {
+                                           return MakeEventAdapter(
+                                               pDevice->GetIZqDeviceInfo()->GetTLType(),
+                                               pDevice->GetRemoteIZqPort()->GetINodeMap());
+                                       })),
       m_ItemAdapter(pDevice->GetRemoteIZqPort()->GetINodeMap()) {
     SetPriority(PRIORITY);
 }

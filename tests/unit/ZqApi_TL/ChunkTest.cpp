@@ -1,3 +1,5 @@
+#include <atomic>
+#include <functional>
 #include <random>
 #include <thread>
 
@@ -276,6 +278,77 @@ TEST_F(StreamChunks, HeldBufferOfAReplacedPoolHasNoneLeft) {
     Start();
     EXPECT_EQ(held->GetChunkINodeMap(), pNodeMap);
     EXPECT_EQ(Timestamp(held), -1);
+}
+
+// What the buffer's last reader still reads goes on being read, or is not available, while the pool that the
+// buffer belonged to is torn down.
+TEST_F(StreamChunks, HeldBufferIsReadWhileItsPoolIsReplaced) {
+    StartAs("U3V");
+    for (int round = 0; round < 20; ++round) {
+        const Buffer held = RetrieveNewFrame(StampedFrame(5));
+        std::atomic<bool> ends{false};
+        std::thread reader([&] {
+            while (!ends) {
+                try {
+                    const int64_t timestamp = Timestamp(held);
+                    EXPECT_TRUE(timestamp == 5 || timestamp == -1) << timestamp;
+                } catch (const GenICam::AccessException&) {
+                    // Taken away between the question and the reading.
+                }
+            }
+        });
+        Stop();
+        producer.SetPayloadSize(8192 + round);
+        Start();
+        ends = true;
+        reader.join();
+        EXPECT_EQ(Timestamp(held), -1);
+    }
+}
+
+TEST_F(StreamChunks, WhatANodeCallbackThrowsLosesNoFrame) {
+    StartAs("U3V");
+    GenApi::INode* pTimestamp = nullptr;
+    {
+        const Buffer first = RetrieveNewFrame(StampedFrame(1));
+        pTimestamp = first->GetChunkINodeMap()->GetNode("ChunkTimestamp");
+    }
+    bool throws = true;
+    const std::function<void(GenApi::INode*)> fail = [&throws](GenApi::INode*) {
+        if (throws)
+            throw 42;
+    };
+    const auto callback = GenApi::Register(pTimestamp, fail);
+    EXPECT_TRUE(RetrieveNewFrame(StampedFrame(2)));
+    EXPECT_TRUE(RetrieveNewFrame(Frame("an image without chunks")));
+    throws = false;
+    EXPECT_EQ(Timestamp(RetrieveNewFrame(StampedFrame(3))), 3);
+    GenApi::Deregister(callback);
+}
+
+TEST_F(StreamChunks, SmallOnesMayBeKeptBeyondTheirFrame) {
+    std::string text(20000, '\0');
+    producer.ReadRegister("REMOTE1", 0x10000, text.data(), text.size());
+    text = text.c_str();
+    const std::string id = "<ChunkID>00001002</ChunkID>";
+    text.insert(text.find(id), "<CacheChunkData>Yes</CacheChunkData>");
+    producer.SetDescription("REMOTE", "camera.xml", text);
+    producer.SetPayloadSize(8192);
+    StartAs("U3V");
+    const auto widthAfter = [this](size_t size) {
+        const std::string data = Number(640, 4) + Number(480, 4) + std::string(size - 8, '\0');
+        {
+            const Buffer buffer =
+                RetrieveNewFrame(ChunkFrame(LittleEndianChunks({{IMAGE, "i"}, {SIZE, data}})));
+            EXPECT_EQ(ChunkInteger(buffer, "ChunkWidth")->GetValue(), 640);
+        }
+        const Buffer next = RetrieveNewFrame(Frame("an image without chunks"));
+        EXPECT_EQ(Timestamp(next), -1);
+        const GenApi::CIntegerPtr pWidth = ChunkInteger(next, "ChunkWidth");
+        return GenApi::IsReadable(pWidth) ? pWidth->GetValue() : -1;
+    };
+    EXPECT_EQ(widthAfter(2049), -1);
+    EXPECT_EQ(widthAfter(2048), 640);
 }
 
 TEST_F(StreamChunks, NoMutationOfALayoutStopsTheStream) {

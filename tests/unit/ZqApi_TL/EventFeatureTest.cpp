@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <functional>
 
 #include "ZqApi_TL/EventItem.h"
@@ -12,6 +13,8 @@ constexpr uint64_t WIDTH_REGISTER = 0x100;
 
 class FeatureEvents : public OpenedStream {
 protected:
+    explicit FeatureEvents(const std::string& variant = "full") : OpenedStream(variant) {}
+
     void SetUp() override {
         OpenedStream::SetUp();
         width = RemoteNodes()->GetNode("Width");
@@ -95,6 +98,26 @@ TEST_F(FeatureEvents, ChangeThatIsRefusedDoesNotStopLaterOnes) {
     Change("Width", std::string("333", 4));
     ASSERT_TRUE(Eventually([this] { return WidthRegister() == 333; }));
     EXPECT_EQ(producer.Log("GCWritePort"), (Calls{"GCWritePort(REMOTE1, 0x100, 4d010000)"}));
+}
+
+class FeatureEventsWithoutDataInfo : public FeatureEvents {
+protected:
+    FeatureEventsWithoutDataInfo() : FeatureEvents("without_EventGetDataInfo") {}
+};
+
+TEST_F(FeatureEventsWithoutDataInfo, AreDroppedAndTheThreadsGoOn) {
+    Invalidate("Width");
+    Change("Width", "200");
+    const auto waits = [this](const char* event) {
+        const Calls calls = producer.Log("EventGetData");
+        return std::count_if(calls.begin(), calls.end(),
+                             [event](const std::string& call) { return call.rfind(event, 0) == 0; });
+    };
+    // What brought the event, and the wait after it.
+    EXPECT_TRUE(
+        Eventually([&] { return waits("EventGetData(DEV1/2") >= 2 && waits("EventGetData(DEV1/3") >= 2; }));
+    EXPECT_FALSE(changed.IsSet());
+    EXPECT_EQ(WidthRegister(), 64u);
 }
 
 using EventItems = LoadedProducer;

@@ -1,6 +1,10 @@
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <random>
+
+#include <pthread.h>
+#include <sched.h>
 
 #include "tests/unit/ZqApi_TL/ChunkCamera.h"
 #include "tests/unit/ZqApi_TL/LoadedProducer.h"
@@ -151,6 +155,28 @@ TEST_F(RemoteEvents, ThreadEndsBeforeItsEventIsUnregistered) {
     ASSERT_NE(killed, log.end());
     ASSERT_NE(unregistered, log.end());
     EXPECT_LT(killed, unregistered);
+}
+
+TEST_F(RemoteEvents, ThreadRunsBeforeAcquisitionWork) {
+    const sched_param lowest{sched_get_priority_min(SCHED_RR)};
+    int status = 0;
+    std::thread([&] { status = pthread_setschedparam(pthread_self(), SCHED_RR, &lowest); }).join();
+    if (status != 0)
+        GTEST_SKIP() << "this user may not have real-time threads";
+    OpenAs("U3V");
+    const auto priorities = [] {
+        std::vector<int> found;
+        for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+            const pid_t id = std::stoi(task.path().filename());
+            sched_param scheduling{};
+            if (sched_getscheduler(id) == SCHED_RR && sched_getparam(id, &scheduling) == 0)
+                found.push_back(scheduling.sched_priority);
+        }
+        return found;
+    };
+    // A thread applies its priority itself.
+    EXPECT_TRUE(Eventually([&] { return !priorities().empty(); }));
+    EXPECT_EQ(priorities(), std::vector<int>{90});
 }
 
 TEST_F(RemoteEvents, ItemsAreAskedIdentifierFirst) {
