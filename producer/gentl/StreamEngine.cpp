@@ -153,10 +153,10 @@ void StreamEngine::Stop(GenTL::ACQ_STOP_FLAGS flags) {
     m_stopOwed = false;
     m_wake.notify_one();
     if (flags == GenTL::ACQ_STOP_FLAGS_DEFAULT) {
-        m_settled.wait(lock, [this] { return m_current == nullptr; });
+        m_settled.wait(lock, [this] { return m_current == nullptr && !m_beginning; });
         return;
     }
-    m_settled.wait(lock, [this] { return !m_writing; });
+    m_settled.wait(lock, [this] { return !m_writing && !m_beginning; });
     if (m_current != nullptr)
         DeliverUnfinished();
 }

@@ -90,6 +90,8 @@ private:
     void Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs);
     void TriggeredFrame(Lock& lock, FrameTicket& ticket);
     void Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
+    /// Begins a frame; the buffer for it, or null where there is none to fill.
+    BufferModule* BeginExposure(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
     BufferModule& TakeNext();
     /// Delivers a frame that has been written, late if it is to be.
     void Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket);
@@ -110,9 +112,10 @@ private:
     Counters m_counters;
     uint64_t m_remaining = 0;
     BufferModule* m_current = nullptr; // taken by the thread
-    FrameInfo m_currentFrame;          // what is known of its frame while it is exposed
+    FrameInfo m_currentFrame;          // what is known of its frame before it is delivered
     std::atomic<BufferHandling> m_handling{BufferHandling::OldestFirst};
     Painter m_painter;
+    bool m_beginning = false;        // a frame has its id, and no buffer yet
     bool m_writing = false;          // the thread writes into it, without the lock
     unsigned m_pauses = 0;           // callers that want no new buffer taken
     std::atomic<bool> m_free{false}; // frames flow as fast as they are fetched

@@ -38,7 +38,7 @@ void StreamEngine::Run() {
     FrameTicket ticket;
     Lock lock(m_lock);
     while (!m_quit) {
-        m_free.store(Flowing() && !ticket.plan.paced && !ticket.plan.triggered, std::memory_order_relaxed);
+        m_free.store(Flowing() && !ticket.plan.paced && !ticket.plan.triggered, std::memory_order_release);
         if (!Flowing()) {
             m_wake.wait(lock, [this] { return m_quit || Flowing(); });
         } else if (ticket.revision != m_camera.Revision()) {
@@ -124,32 +124,42 @@ void StreamEngine::TriggeredFrame(Lock& lock, FrameTicket& ticket) {
         Expose(lock, ticket, m_due);
 }
 
-void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed) {
+BufferModule* StreamEngine::BeginExposure(Lock& lock, FrameTicket& ticket, Clock::time_point exposed) {
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
     if (begun)
         Send(EventKind::FrameStart, ticket, Nanoseconds(exposed));
     lock.lock();
     if (!begun)
-        return;
+        return nullptr;
     m_wake.wait(lock, [this] { return m_quit || m_pauses == 0; });
-    if (m_quit || !m_running)
-        return;
+    if (m_quit)
+        return nullptr;
     const bool dropped = ticket.plan.faults.Drops(ticket.frameId);
     if (dropped || !MayTake()) {
         m_counters.underrun += dropped ? 0 : 1;
         lock.unlock();
         Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
         lock.lock();
-        return;
+        return nullptr;
     }
-    BufferModule& buffer = TakeNext();
+    return &TakeNext();
+}
+
+void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed) {
+    // A stop that comes from here on waits, so that a frame that has its id is delivered or counted.
+    m_beginning = true;
+    BufferModule* const taken = BeginExposure(lock, ticket, exposed);
+    m_beginning = false;
+    m_settled.notify_all();
+    if (taken == nullptr)
+        return;
+    BufferModule& buffer = *taken;
     ++m_counters.started;
     m_currentFrame = DescribeFrame(ticket, Nanoseconds(exposed));
     // A frame once begun is finished, unless it is taken away by a flush, a kill or a loss.
-    const bool taken = m_wake.wait_until(lock, exposed + ticket.plan.exposure,
-                                         [&] { return m_quit || m_current != &buffer; });
-    if (taken)
+    if (m_wake.wait_until(lock, exposed + ticket.plan.exposure,
+                          [&] { return m_quit || m_current != &buffer; }))
         return;
     m_writing = true;
     lock.unlock();
@@ -164,6 +174,8 @@ void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exp
 void StreamEngine::Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket) {
     const std::chrono::milliseconds delay = ticket.plan.faults.Delay(ticket.frameId);
     if (delay.count() != 0) {
+        // What a kill delivers in its stead.
+        m_currentFrame = DescribeFrame(ticket, buffer.Frame().timestampNs);
         const auto taken = [&] { return m_quit || m_current != &buffer; };
         if (m_wake.wait_until(lock, Clock::now() + delay, taken))
             return;

@@ -102,6 +102,21 @@ TEST_F(Faults, StreamStopsWhileAFrameIsLate) {
     EXPECT_EQ(gentl.DSClose(stream), GC_ERR_SUCCESS);
 }
 
+TEST_F(Faults, KilledStreamDeliversTheLateFrameUnderItsOwnNumber) {
+    ASSERT_EQ(WriteInt(camera::LateEvery, 3), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::LateTime, 3600000), GC_ERR_SUCCESS);
+    Queue(Announce(3, 64));
+    Start();
+    ASSERT_NE(Next(), nullptr);
+    ASSERT_NE(Next(), nullptr);
+    EXPECT_EQ(Next(20), nullptr);
+    EXPECT_EQ(gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_KILL), GC_ERR_SUCCESS);
+    const BUFFER_HANDLE late = Next(0);
+    ASSERT_NE(late, nullptr);
+    EXPECT_EQ(BufferInfo<uint64_t>(late, BUFFER_INFO_FRAMEID), 2U);
+    EXPECT_TRUE(BufferInfo<bool8_t>(late, BUFFER_INFO_IS_INCOMPLETE));
+}
+
 TEST_F(Faults, BadChunksCannotBeParsed) {
     for (const char* id : {u3vInterface, gevInterface, cxpInterface}) {
         SCOPED_TRACE(id);
