@@ -1,9 +1,11 @@
 # The commands of this project. Each works from a fresh clone on a fresh machine, on its own.
 WERROR ?= OFF
 JOBS ?= $(shell nproc)
+# How long soak and fuzz take.
+MINUTES ?= 5
 CONFIGURE = cmake --preset $(1) -DZQAPI_WARNINGS_AS_ERRORS=$(WERROR)
 
-.PHONY: all deps build demo test test-release test-asan test-tsan bench install format clean
+.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak bench install format clean
 
 all: build
 
@@ -19,10 +21,22 @@ demo: deps
 	cmake --build --preset release -j $(JOBS) --target zq zqgentl
 	@scripts/demo.sh build/release
 
-test: deps test-release test-asan test-tsan
+test: deps test-release test-asan test-tsan test-aarch64
 
 test-release test-asan test-tsan: test-%: deps
 	scripts/test.sh $* $(WERROR) $(JOBS)
+
+# Cross-compiled for 64-bit Arm and run in an emulator.
+test-aarch64:
+	@scripts/deps.sh aarch64
+	scripts/test.sh aarch64 $(WERROR) $(JOBS)
+
+# SEED repeats a run, as far as the machine does.
+soak: deps
+	$(call CONFIGURE,release)
+	cmake --build --preset release -j $(JOBS) --target soak
+	GENICAM_GENTL64_PATH=build/release/lib build/release/bin/soak --seconds $$((60 * $(MINUTES))) \
+		$(if $(SEED),--seed $(SEED))
 
 bench: build
 	@scripts/bench.sh build/release

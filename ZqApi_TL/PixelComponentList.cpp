@@ -18,7 +18,7 @@ void PixelComponentList::Replace(const PixelComponents& pixel) {
 
 uint64_t PixelComponentList::BeginReplacing() {
     for (Patience patience;; patience.Wait()) {
-        uint64_t sequence = m_Sequence.load(std::memory_order_relaxed);
+        uint64_t sequence = m_Sequence.load(std::memory_order_acquire);
         if (sequence % 2 == 0 &&
             m_Sequence.compare_exchange_weak(sequence, sequence + 1, std::memory_order_acquire))
             return sequence;

@@ -46,7 +46,7 @@ public:
             const Entry& entry = m_Entries[index < count ? index : 0];
             const EZqPixelComponent_t component = entry.component.load(std::memory_order_acquire);
             const uint64_t value = entry.value.load(std::memory_order_acquire);
-            if (before % 2 != 0 || m_Sequence.load(std::memory_order_relaxed) != before)
+            if (before % 2 != 0 || m_Sequence.load(std::memory_order_acquire) != before)
                 continue;
             info = {component, value};
             return count;

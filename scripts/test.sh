@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds one preset and runs its tests; afterwards says which tests were skipped, and why.
 #   scripts/test.sh <preset> [<warnings as errors: ON|OFF>] [<jobs>]
-# Tests labelled "slow" run without sanitizers only, those labelled "one-thread" not under the thread sanitizer.
+# Tests labelled "slow" run without sanitizers only, those labelled "one-thread" not under the thread sanitizer, those
+# labelled "native" not in an emulator.
 # Tests find real-world data where ZQAPI_TEST_DATA points.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -13,6 +14,7 @@ build="build/$preset"
 left_out=()
 case "$preset" in
 asan) left_out=(--label-exclude '^slow$') ;;
+aarch64) left_out=(--label-exclude '^(slow|native)$') ;;
 tsan) left_out=(--label-exclude '^(slow|one-thread)$') ;;
 esac
 export ASAN_OPTIONS="detect_leaks=1:detect_stack_use_after_return=1${ASAN_OPTIONS:+:$ASAN_OPTIONS}"

@@ -30,7 +30,7 @@ std::shared_ptr<BufferModule> BufferPool::Revoke(BufferModule& buffer) {
 void BufferPool::Grow(Place place, int by) noexcept {
     std::atomic<size_t>& count = m_counts[static_cast<size_t>(place)];
     // One writer at a time, under the engine's lock: no read-modify-write is needed.
-    count.store(count.load(std::memory_order_relaxed) + static_cast<size_t>(by), std::memory_order_relaxed);
+    count.store(count.load(std::memory_order_acquire) + static_cast<size_t>(by), std::memory_order_release);
 }
 
 void BufferPool::Splice(BufferModule& buffer, Place to, List::iterator before) {

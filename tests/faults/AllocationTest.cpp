@@ -19,7 +19,7 @@ namespace {
 uint64_t RunsPerStep() {
     if (std::getenv("ZQAPI_EVERY_ALLOCATION") != nullptr)
         return UINT64_MAX;
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
     return 8;
 #else
     return 60;

@@ -101,7 +101,7 @@ TEST_F(HostileEvents, RefusedRegistrationMayLeaveGarbageInTheHandle) {
 }
 
 TEST_F(HostileEvents, StormsOnEveryModuleEndWithTheRelease) {
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
     constexpr int events = 200;
 #else
     constexpr int events = 5000;

@@ -27,7 +27,7 @@ constexpr std::array<Fault, 8> lies = {{
 }};
 
 // The lies take turns, so that neighbouring calls and the other ways hear the rest.
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
 constexpr size_t liesPerCall = 1;
 #else
 constexpr size_t liesPerCall = 4;
@@ -138,7 +138,7 @@ TEST_P(LyingProducer, IsSurvivedWhateverItsAnswersHold) {
 
 // Handles that have become stale: from some call on the producer refuses every one.
 TEST_P(LyingProducer, MayRefuseEveryCallFromAnyOneOn) {
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
     constexpr size_t stride = 5;
 #else
     constexpr size_t stride = 1;

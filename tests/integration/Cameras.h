@@ -25,7 +25,7 @@ using Stream = std::unique_ptr<IZqDataStreamReleasable, Releaser>;
 using Buffer = std::unique_ptr<IZqStreamBufferReleasable, Releaser>;
 
 // Sanitizers slow everything down; what is repeated for its own sake is repeated less under them.
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
 constexpr uint64_t REPEAT_PART = 20;
 #else
 constexpr uint64_t REPEAT_PART = 1;

@@ -10,7 +10,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
 constexpr int ROUNDS = 60;
 constexpr std::chrono::milliseconds PROMPT(1000);
 #else

@@ -5,7 +5,7 @@
 namespace ZqTest {
 namespace {
 
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
 constexpr uint64_t FRAMES = 500;
 #else
 constexpr uint64_t FRAMES = 5000;

@@ -275,7 +275,7 @@ TEST(PixelComponentFormats, EveryPixelIsWhereItsFormatsNameSays) {
 }
 
 // Few of the reads fall into the few nanoseconds of a replacement.
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
 constexpr int READS = 1000000;
 #else
 constexpr int READS = 50000000;

@@ -268,7 +268,7 @@ TEST_F(Chart, StopsAtTheEndOfTheMemory) {
     });
 }
 
-#ifdef ZQAPI_SANITIZED
+#ifdef ZQAPI_SLOWED_DOWN
 constexpr size_t SMALL_STEP = 9;
 constexpr int LARGE_SIZES = 4;
 #else

@@ -13,7 +13,7 @@ std::vector<std::string> ExportedSymbols() {
     void* const known = reinterpret_cast<void*>(&GenApi::ReleaseNodeMap);
     if (dladdr(known, &info) == 0)
         return {};
-    const std::string command = "nm -D --defined-only '" + std::string(info.dli_fname) + "'";
+    const std::string command = "'" ZQ_NM "' -D --defined-only '" + std::string(info.dli_fname) + "'";
     FILE* const pipe = popen(command.c_str(), "r");
     std::vector<std::string> symbols;
     char line[4096];

@@ -193,7 +193,7 @@ TEST_F(ZqPictureFile, FullDiskIsReported) {
             << static_cast<int>(format);
 }
 
-#ifndef ZQAPI_SANITIZED
+#ifndef ZQAPI_SLOWED_DOWN
 /// Of this thread, so that other programs don't count.
 double ProcessorMs() {
     timespec now{};

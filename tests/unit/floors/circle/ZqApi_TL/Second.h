@@ -1,0 +1,3 @@
+#pragma once
+
+#include "ZqApi_TL/First.h"
