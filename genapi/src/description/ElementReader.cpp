@@ -2,18 +2,18 @@
 
 namespace GENAPI_NAMESPACE::inside {
 
-NodeIndex ElementReader::Require(const Element& element) const {
+NodeIndex ElementReader::Require(const Element& element) {
     const NodeIndex target = Find(element);
     if (target == kNoNode)
-        throw Unbuildable(NameOf(element) + " " + Quoted(element.text) + " does not exist");
+        Fail(NameOf(element) + " " + Quoted(element.text) + " does not exist");
     return target;
 }
 
-Number ElementReader::AnyNumber(const Element& element) const {
+Number ElementReader::AnyNumber(const Element& element) {
     const auto number = ParseNumber(element.text);
     if (!number)
-        throw Unbuildable("the " + NameOf(element) + " " + Quoted(element.text) + " is no number");
-    return *number;
+        Fail("the " + NameOf(element) + " " + Quoted(element.text) + " is no number");
+    return number.value_or(Number());
 }
 
 EAccessMode ReadMode(std::string_view text, EAccessMode fallback) {

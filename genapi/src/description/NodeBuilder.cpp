@@ -4,44 +4,48 @@
 #include <GenApi/IBase.h>
 
 #include <algorithm>
+#include <array>
 
 namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
-struct TagType {
-    ElementName tag;
-    NodeType type;
-};
-
-constexpr TagType kTags[] = {
-    {ElementName::Node, NodeType::Plain},
-    {ElementName::ConfRom, NodeType::ConfRom},
-    {ElementName::TextDesc, NodeType::TextDesc},
-    {ElementName::IntKey, NodeType::IntKey},
-    {ElementName::AdvFeatureLock, NodeType::AdvFeatureLock},
-    {ElementName::DcamLock, NodeType::AdvFeatureLock},
-    {ElementName::SmartFeature, NodeType::SmartFeature},
-    {ElementName::Category, NodeType::Category},
-    {ElementName::Integer, NodeType::Integer},
-    {ElementName::IntReg, NodeType::IntReg},
-    {ElementName::MaskedIntReg, NodeType::MaskedIntReg},
-    {ElementName::StructEntry, NodeType::MaskedIntReg},
-    {ElementName::Float, NodeType::Float},
-    {ElementName::FloatReg, NodeType::FloatReg},
-    {ElementName::Boolean, NodeType::Boolean},
-    {ElementName::Command, NodeType::Command},
-    {ElementName::Enumeration, NodeType::Enumeration},
-    {ElementName::EnumEntry, NodeType::EnumEntry},
-    {ElementName::String, NodeType::String},
-    {ElementName::StringReg, NodeType::StringReg},
-    {ElementName::Register, NodeType::Register},
-    {ElementName::SwissKnife, NodeType::SwissKnife},
-    {ElementName::IntSwissKnife, NodeType::IntSwissKnife},
-    {ElementName::Converter, NodeType::Converter},
-    {ElementName::IntConverter, NodeType::IntConverter},
-    {ElementName::Port, NodeType::Port},
-};
+/// What a node is, by the number of its tag.
+constexpr auto kTypes = [] {
+    std::array<NodeType, static_cast<size_t>(ElementName::FirstUnknown) + 1> types{};
+    constexpr std::pair<ElementName, NodeType> kTags[] = {
+        {ElementName::Node, NodeType::Plain},
+        {ElementName::ConfRom, NodeType::ConfRom},
+        {ElementName::TextDesc, NodeType::TextDesc},
+        {ElementName::IntKey, NodeType::IntKey},
+        {ElementName::AdvFeatureLock, NodeType::AdvFeatureLock},
+        {ElementName::DcamLock, NodeType::AdvFeatureLock},
+        {ElementName::SmartFeature, NodeType::SmartFeature},
+        {ElementName::Category, NodeType::Category},
+        {ElementName::Integer, NodeType::Integer},
+        {ElementName::IntReg, NodeType::IntReg},
+        {ElementName::MaskedIntReg, NodeType::MaskedIntReg},
+        {ElementName::StructEntry, NodeType::MaskedIntReg},
+        {ElementName::Float, NodeType::Float},
+        {ElementName::FloatReg, NodeType::FloatReg},
+        {ElementName::Boolean, NodeType::Boolean},
+        {ElementName::Command, NodeType::Command},
+        {ElementName::Enumeration, NodeType::Enumeration},
+        {ElementName::EnumEntry, NodeType::EnumEntry},
+        {ElementName::String, NodeType::String},
+        {ElementName::StringReg, NodeType::StringReg},
+        {ElementName::Register, NodeType::Register},
+        {ElementName::SwissKnife, NodeType::SwissKnife},
+        {ElementName::IntSwissKnife, NodeType::IntSwissKnife},
+        {ElementName::Converter, NodeType::Converter},
+        {ElementName::IntConverter, NodeType::IntConverter},
+        {ElementName::Port, NodeType::Port},
+    };
+    for (const auto& [tag, type] : kTags)
+        types[static_cast<size_t>(tag)] = type;
+    return types;
+}();
+static_assert(kTypes.back() == NodeType::Other);
 
 bool IsYes(std::string_view text) {
     return EqualIgnoringCase(text, "Yes");
@@ -66,15 +70,11 @@ void NodeBuilder::Build(NodeIndex index) {
     m_source = &m_description.document.nodes[index];
     m_node->name.Point(m_source->name);
     m_node->standard = m_source->standard;
-    for (const TagType& row : kTags)
-        if (row.tag == m_source->tag)
-            m_node->type = row.type;
-    try {
-        BuildCommon();
-        BuildByType();
-    } catch (const Unbuildable& reason) {
-        m_arena.KeepText(m_node->error, reason.what());
-    }
+    m_node->type = kTypes[static_cast<size_t>(std::min(m_source->tag, ElementName::FirstUnknown))];
+    m_reader.Restart();
+    BuildCommon();
+    BuildByType();
+    m_arena.KeepText(m_node->error, m_reader.Failure());
 }
 
 void NodeBuilder::BuildCommon() {
@@ -228,8 +228,8 @@ void NodeBuilder::BuildByType() {
     case NodeType::AdvFeatureLock:
     case NodeType::SmartFeature:
     case NodeType::Other:
-        throw Unbuildable("nodes of type " + std::string(m_description.document.NameOf(m_source->tag)) +
-                          " are not implemented");
+        m_reader.Fail("nodes of type " + std::string(m_description.document.NameOf(m_source->tag)) +
+                      " are not implemented");
     }
 }
 
@@ -237,6 +237,8 @@ void NodeBuilder::BuildRegister(ValueKind kind) {
     m_node->kind = kind;
     auto* const reg = m_arena.New<RegisterPart>();
     BuildRegisterPart(m_arena, m_reader, *m_source, m_node->type, *reg);
+    if (m_reader.HasFailed())
+        return;
     m_node->reg.Point(reg);
     m_node->caching = reg->caching;
 }
@@ -252,6 +254,8 @@ void NodeBuilder::BuildSource(ValueKind kind) {
     m_lists.entries.clear();
     for (const Element& element : m_source->elements)
         BuildSourceElement(element);
+    if (m_reader.HasFailed())
+        return;
     m_arena.KeepList(source.copies, m_lists.copies);
     m_arena.KeepList(source.targets, m_lists.targets);
     m_arena.KeepList(source.entries, m_lists.entries);
@@ -305,8 +309,8 @@ TableEntry NodeBuilder::BuildTableEntry(const Element& element) {
     if (element.attributeName == AttributeName::Index) {
         const auto index = ParseInteger(element.attribute);
         if (!index)
-            throw Unbuildable("the Index " + Quoted(element.attribute) + " is no number");
-        entry.index = *index;
+            m_reader.Fail("the Index " + Quoted(element.attribute) + " is no number");
+        entry.index = index.value_or(0);
     }
     if (element.name == ElementName::pValueIndexed || element.name == ElementName::pValueDefault) {
         entry.node = m_reader.Require(element);
@@ -317,7 +321,7 @@ TableEntry NodeBuilder::BuildTableEntry(const Element& element) {
     return entry;
 }
 
-void NodeBuilder::SetNumber(NumberSource& source, const Element& element) const {
+void NodeBuilder::SetNumber(NumberSource& source, const Element& element) {
     source.given = true;
     if (IsPointerName(KnownElementName(element.name)))
         source.node = m_reader.Require(element);
@@ -402,7 +406,7 @@ void NodeBuilder::BuildFormulaTarget() {
     }
     const bool converts = m_node->type == NodeType::Converter || m_node->type == NodeType::IntConverter;
     if (converts && m_node->formula->node == kNoNode)
-        throw Unbuildable("it has no pValue");
+        m_reader.Fail("it has no pValue");
 }
 
 void NodeBuilder::BuildSwitch() {
@@ -461,7 +465,7 @@ void NodeBuilder::BuildEntry() {
     m_node->kind = ValueKind::Integer;
     entry.numericValue = numeric.value_or(static_cast<double>(entry.value));
     if (!given)
-        throw Unbuildable("it has no Value");
+        m_reader.Fail("it has no Value");
 }
 
 void NodeBuilder::BuildPort() {

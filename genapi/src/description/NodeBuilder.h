@@ -34,7 +34,7 @@ private:
     void BuildPort();
     void BuildCategory();
     void KeepMatching(List<NodeIndex>& list, ElementName name, ElementName otherName);
-    void SetNumber(NumberSource& source, const Element& element) const;
+    void SetNumber(NumberSource& source, const Element& element);
 
     /// What a list of nodes in a part is collected in before it is laid out.
     struct Lists {

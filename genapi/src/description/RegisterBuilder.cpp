@@ -8,7 +8,7 @@ namespace {
 
 class RegisterBuilder {
 public:
-    RegisterBuilder(const ElementReader& reader, RegisterPart& reg) : m_reader(reader), m_reg(reg) {}
+    RegisterBuilder(ElementReader& reader, RegisterPart& reg) : m_reader(reader), m_reg(reg) {}
 
     void Read(const Element& element) {
         switch (element.name) {
@@ -40,9 +40,9 @@ public:
         }
     }
 
-    void Check(NodeType type) const {
+    void Check(NodeType type) {
         if (m_reg.port == kNoNode)
-            throw Unbuildable("it has no pPort");
+            m_reader.Fail("it has no pPort");
         if (m_reg.lengthNode != kNoNode)
             return;
         const bool isFloat = type == NodeType::FloatReg;
@@ -50,11 +50,11 @@ public:
         const int64_t length = m_reg.length;
         if (length <= 0 || length > kMaxRegisterLength || (isInteger && length > 8) ||
             (isFloat && length != 4 && length != 8))
-            throw Unbuildable("a Length of " + std::to_string(length) + " is impossible");
+            m_reader.Fail("a Length of " + std::to_string(length) + " is impossible");
         const auto isOutside = [length](int64_t bit) { return bit < 0 || bit >= 8 * length; };
         if (m_reg.masked && (isOutside(m_reg.lsb) || isOutside(m_reg.msb)))
-            throw Unbuildable("bits " + std::to_string(m_reg.lsb) + " to " + std::to_string(m_reg.msb) +
-                              " lie outside the register");
+            m_reader.Fail("bits " + std::to_string(m_reg.lsb) + " to " + std::to_string(m_reg.msb) +
+                          " lie outside the register");
     }
 
     std::vector<AddressTerm> terms;
@@ -82,7 +82,7 @@ private:
         }
     }
 
-    AddressTerm Term(const Element& element) const {
+    AddressTerm Term(const Element& element) {
         AddressTerm term;
         term.node = m_reader.Require(element);
         if (element.name == ElementName::pAddress)
@@ -91,25 +91,25 @@ private:
         if (element.attributeName == AttributeName::Offset) {
             const auto offset = ParseInteger(element.attribute);
             if (!offset)
-                throw Unbuildable("the Offset " + Quoted(element.attribute) + " is no number");
+                m_reader.Fail("the Offset " + Quoted(element.attribute) + " is no number");
             term.factor = AddressTerm::Factor::Constant;
-            term.offset = *offset;
+            term.offset = offset.value_or(0);
         } else if (element.attributeName == AttributeName::pOffset) {
             term.factor = AddressTerm::Factor::Node;
             term.offsetNode = m_reader.FindByName(element.attribute);
             if (term.offsetNode == kNoNode)
-                throw Unbuildable("pOffset " + Quoted(element.attribute) + " does not exist");
+                m_reader.Fail("pOffset " + Quoted(element.attribute) + " does not exist");
         }
         return term;
     }
 
-    const ElementReader& m_reader;
+    ElementReader& m_reader;
     RegisterPart& m_reg;
 };
 
 } // namespace
 
-void BuildRegisterPart(Arena& arena, const ElementReader& reader, const SourceNode& source, NodeType type,
+void BuildRegisterPart(Arena& arena, ElementReader& reader, const SourceNode& source, NodeType type,
                        RegisterPart& reg) {
     reg.masked = type == NodeType::MaskedIntReg;
     reg.caching = type == NodeType::FloatReg ? WriteAround : WriteThrough;

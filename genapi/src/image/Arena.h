@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include <sys/mman.h>
+
 namespace GENAPI_NAMESPACE::inside {
 
 struct FreeMemory {
@@ -26,12 +28,20 @@ struct ArenaFull {};
 
 /// Memory that an image is laid out in, from its beginning on. Stays where it is until it is taken. What is
 /// made in it is never destroyed.
+///
+/// A large one asks for huge pages: to be given a thousand small ones took a fifth of the time for loading a
+/// megabyte of text. Its image ends with a page that is used in part, so that small ones do without.
 class Arena {
 public:
-    explicit Arena(size_t capacity)
-        : m_memory(static_cast<char*>(std::malloc(capacity))), m_capacity(capacity) {
+    explicit Arena(size_t capacity) : m_capacity(capacity), m_large(capacity >= kLeastLarge) {
+        if (m_large)
+            m_capacity = (capacity + kHugePage - 1) / kHugePage * kHugePage;
+        m_memory.reset(static_cast<char*>(m_large ? std::aligned_alloc(kHugePage, m_capacity)
+                                                  : std::malloc(m_capacity)));
         if (!m_memory)
             throw std::bad_alloc();
+        if (m_large)
+            madvise(m_memory.get(), m_capacity, MADV_HUGEPAGE); // where there are none, small ones do as well
     }
 
     /// Zeroed.
@@ -77,8 +87,10 @@ public:
     void KeepText(Text& place, std::string_view text) { place.Point(Keep(text)); }
 
     size_t Used() const { return m_used; }
-    /// The memory, cut to what is used.
+    /// The memory. A small one is cut to what is used; of a large one the rest has never been touched.
     Memory Take() {
+        if (m_large)
+            return std::move(m_memory);
         void* const shorter = std::realloc(m_memory.get(), m_used);
         if (shorter) {
             static_cast<void>(m_memory.release());
@@ -88,6 +100,9 @@ public:
     }
 
 private:
+    static constexpr size_t kHugePage = size_t{2} * 1024 * 1024;
+    static constexpr size_t kLeastLarge = 2 * kHugePage;
+
     char* Reserve(size_t size, size_t alignment) {
         const size_t begin = (m_used + alignment - 1) / alignment * alignment;
         if (begin > m_capacity || size > m_capacity - begin)
@@ -104,6 +119,7 @@ private:
 
     Memory m_memory;
     size_t m_capacity;
+    bool m_large;
     size_t m_used = 0;
     size_t m_cleared = 0;
 };
