@@ -88,8 +88,9 @@ void LinkDescription(Arena& arena, Description& description) {
     CheckPorts(arena, description);
     CollectLists(arena, description);
     ShareWords(description);
+    FormulaBuilder formulas(arena, description);
     for (NodeIndex i = 0; i < count; ++i)
-        BuildFormulas(arena, description, i);
+        formulas.Build(i);
     CollectFormulaErrors(arena, description);
     BuildEdges(arena, description);
 }

@@ -3,7 +3,6 @@
 #include "genapi/src/document/Lexical.h"
 #include "genapi/src/image/Flat.h"
 
-#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -103,10 +102,18 @@ struct Symbol {
     std::string_view expression; ///< text of a sub-formula
 };
 
-using SymbolTable = std::function<Symbol(std::string_view name)>;
+/// The names that formulas of one node may use.
+class SymbolTable {
+public:
+    virtual Symbol Find(std::string_view name) = 0;
 
-/// Compiles `text`, which must outlive the draft. FormulaError says what is wrong and where.
-FormulaDraft CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols);
+protected:
+    ~SymbolTable() = default;
+};
+
+/// Compiles `text`, which must outlive the draft; what was in that before is gone. FormulaError says what is
+/// wrong and where.
+void CompileFormula(std::string_view text, bool integer, SymbolTable& symbols, FormulaDraft& draft);
 
 /// Gives the values of variables while a formula is evaluated.
 class VariableValues {

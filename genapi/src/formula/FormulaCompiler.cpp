@@ -36,7 +36,7 @@ const FunctionName* FindFunction(std::string_view name) {
 
 class Compiler {
 public:
-    Compiler(FormulaDraft& formula, bool integer, const SymbolTable& symbols)
+    Compiler(FormulaDraft& formula, bool integer, SymbolTable& symbols)
         : m_formula(formula), m_integer(integer), m_symbols(symbols) {}
 
     void CompileText(std::string_view text) {
@@ -95,10 +95,12 @@ private:
         Emit(push, 1);
     }
 
-    // A loop over the else branches: long chains of conditions are common and must not nest.
+    // A loop over the else branches: long chains of conditions are common and must not nest. Until the end is
+    // known, each jump to it names the one before.
     void Ternary() {
         const Nesting nesting(*this);
-        std::vector<size_t> ends;
+        constexpr uint32_t kNone = 0xFFFFFFFF;
+        uint32_t end = kNone;
         for (;;) {
             Binary(2);
             if (!m_lexer->Take("?"))
@@ -107,16 +109,19 @@ private:
             Ternary();
             if (!m_lexer->Take(":"))
                 Fail("':' expected");
-            ends.push_back(Emit(Op::Jump, -1));
+            end = static_cast<uint32_t>(Emit(Instruction{Op::Jump, 0, end, {}}, -1));
             LandHere(toElse);
         }
-        for (const size_t end : ends)
+        while (end != kNone) {
+            const uint32_t before = m_formula.code[end].argument;
             LandHere(end);
+            end = before;
+        }
     }
 
     void Binary(int loosest) {
         Power();
-        for (const BinaryOperator* op = CurrentOperator(loosest); op; op = CurrentOperator(loosest)) {
+        for (const SymbolRow* op = CurrentOperator(loosest); op; op = CurrentOperator(loosest)) {
             m_lexer->Next();
             if (op->op == Op::Truth) {
                 Logical(*op);
@@ -127,13 +132,13 @@ private:
         }
     }
 
-    const BinaryOperator* CurrentOperator(int loosest) const {
-        const BinaryOperator* const op = m_lexer->Operator();
+    const SymbolRow* CurrentOperator(int loosest) const {
+        const SymbolRow* const op = m_lexer->Operator();
         return op && op->precedence >= loosest ? op : nullptr;
     }
 
-    void Logical(const BinaryOperator& op) {
-        const bool isOr = op.symbol == "||";
+    void Logical(const SymbolRow& op) {
+        const bool isOr = op.code == SymbolCode("||");
         const size_t decided = Emit(isOr ? Op::JumpIfNotZero : Op::JumpIfZero, -1);
         Binary(op.precedence + 1);
         Emit(Op::Truth, 0);
@@ -189,7 +194,7 @@ private:
     // Declared names come before functions and constants: real descriptions have variables called EXP.
     void Name() {
         const std::string_view name = m_lexer->text;
-        const Symbol symbol = m_symbols(name);
+        const Symbol symbol = m_symbols.Find(name);
         if (symbol.kind == Symbol::Kind::Undefined && m_lexer->NextIsParenthesis()) {
             if (const FunctionName* function = FindFunction(name)) {
                 Call(*function);
@@ -244,7 +249,7 @@ private:
 
     FormulaDraft& m_formula;
     const bool m_integer;
-    const SymbolTable& m_symbols;
+    SymbolTable& m_symbols;
     FormulaLexer* m_lexer = nullptr;
     std::vector<std::string> m_expressions;
     size_t m_nesting = 0;
@@ -253,10 +258,11 @@ private:
 
 } // namespace
 
-FormulaDraft CompileFormula(std::string_view text, bool integer, const SymbolTable& symbols) {
-    FormulaDraft formula;
-    Compiler(formula, integer, symbols).CompileText(text);
-    return formula;
+void CompileFormula(std::string_view text, bool integer, SymbolTable& symbols, FormulaDraft& draft) {
+    draft.code.clear();
+    draft.undefined.clear();
+    draft.stackSize = 0;
+    Compiler(draft, integer, symbols).CompileText(text);
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -1,25 +1,57 @@
 #include "genapi/src/formula/FormulaLexer.h"
 
+#include <array>
+#include <iterator>
+
 namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
-// The order of the language, loosest first.
-constexpr BinaryOperator kOperators[] = {
-    {"||", 2, Op::Truth},        {"&&", 3, Op::Truth},     {"|", 4, Op::Or},          {"^", 5, Op::Xor},
-    {"&", 6, Op::And},           {"=", 7, Op::Equal},      {"==", 7, Op::Equal},      {"<>", 7, Op::NotEqual},
-    {"!=", 7, Op::NotEqual},     {"<", 8, Op::Less},       {"<=", 8, Op::LessEqual},  {">", 8, Op::Greater},
-    {">=", 8, Op::GreaterEqual}, {"<<", 9, Op::ShiftLeft}, {">>", 9, Op::ShiftRight}, {"+", 10, Op::Add},
-    {"-", 10, Op::Subtract},     {"*", 11, Op::Multiply},  {"/", 11, Op::Divide},     {"%", 11, Op::Modulo},
+constexpr SymbolRow Row(std::string_view symbol, int precedence = 0, Op op = Op::Truth) {
+    return {SymbolCode(symbol), precedence, op};
+}
+
+// By first character; the longer ones first.
+constexpr SymbolRow kSymbols[] = {
+    Row("!=", 7, Op::NotEqual),
+    Row("!"),
+    Row("%", 11, Op::Modulo),
+    Row("&&", 3),
+    Row("&", 6, Op::And),
+    Row("("),
+    Row(")"),
+    Row("**"),
+    Row("*", 11, Op::Multiply),
+    Row("+", 10, Op::Add),
+    Row(","),
+    Row("-", 10, Op::Subtract),
+    Row("/", 11, Op::Divide),
+    Row(":"),
+    Row("<<", 9, Op::ShiftLeft),
+    Row("<=", 8, Op::LessEqual),
+    Row("<>", 7, Op::NotEqual),
+    Row("<", 8, Op::Less),
+    Row("==", 7, Op::Equal),
+    Row("=", 7, Op::Equal),
+    Row(">=", 8, Op::GreaterEqual),
+    Row(">>", 9, Op::ShiftRight),
+    Row(">", 8, Op::Greater),
+    Row("?"),
+    Row("^", 5, Op::Xor),
+    Row("||", 2),
+    Row("|", 4, Op::Or),
+    Row("~"),
 };
 
-const BinaryOperator* FindOperator(std::string_view symbol) {
-    for (const BinaryOperator& op : kOperators)
-        if (op.symbol.size() == symbol.size() && op.symbol[0] == symbol[0] &&
-            op.symbol.back() == symbol.back())
-            return &op;
-    return nullptr;
-}
+/// The first row for each character, or the end.
+constexpr auto kFirstRows = [] {
+    std::array<uint8_t, 256> rows{};
+    for (uint8_t& row : rows)
+        row = static_cast<uint8_t>(std::size(kSymbols));
+    for (size_t i = std::size(kSymbols); i-- > 0;)
+        rows[kSymbols[i].code & 0xFF] = static_cast<uint8_t>(i);
+    return rows;
+}();
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
@@ -43,8 +75,7 @@ void FormulaLexer::Next() {
     while (m_offset < m_text.size() && IsBlank(m_text[m_offset]))
         ++m_offset;
     m_start = m_offset;
-    text = {};
-    m_operator = nullptr;
+    m_symbol = nullptr;
     if (m_offset == m_text.size()) {
         token = Token::End;
         return;
@@ -98,30 +129,17 @@ void FormulaLexer::LexNumber() {
 }
 
 void FormulaLexer::LexSymbol() {
-    static constexpr std::string_view kSymbols[] = {
-        "**", "||", "&&", "<>", "<=", ">=", "<<", ">>", "==", "!="};
-    token = Token::Symbol;
-    const char second = m_offset + 1 < m_text.size() ? m_text[m_offset + 1] : '\0';
-    for (const std::string_view symbol : kSymbols)
-        if (m_text[m_offset] == symbol[0] && second == symbol[1]) {
-            text = symbol;
-            m_offset += 2;
-            m_operator = FindOperator(text);
-            return;
-        }
-    static constexpr std::string_view kSingle = "?:|^&=<>+-*/%~!(),";
-    if (kSingle.find(m_text[m_offset]) == kSingle.npos)
+    const auto first = static_cast<unsigned char>(m_text[m_offset]);
+    const auto second =
+        static_cast<unsigned char>(m_offset + 1 < m_text.size() ? m_text[m_offset + 1] : '\0');
+    const SymbolRow* row = kSymbols + kFirstRows[first];
+    while (row != std::end(kSymbols) && row->code != (first | second << 8) && row->code != first)
+        ++row;
+    if (row == std::end(kSymbols) || (row->code & 0xFF) != first)
         throw FormulaError("unexpected character at position " + std::to_string(m_offset));
-    text = m_text.substr(m_offset, 1);
-    ++m_offset;
-    m_operator = FindOperator(text);
-}
-
-bool FormulaLexer::Take(std::string_view symbol) {
-    if (token != Token::Symbol || text != symbol)
-        return false;
-    Next();
-    return true;
+    token = Token::Symbol;
+    m_symbol = row;
+    m_offset += row->code > 0xFF ? 2 : 1;
 }
 
 bool FormulaLexer::NextIsParenthesis() const {
