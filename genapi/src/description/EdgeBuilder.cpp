@@ -14,6 +14,8 @@ public:
 
     void Build() {
         const size_t count = m_description.nodes.size();
+        for (Edges* edges : {&m_reads, &m_valueUsers, &m_dependents})
+            edges->reserve(2 * count);
         for (NodeIndex i = 0; i < count; ++i)
             Collect(i);
         EdgeLists(count, m_reads).Keep(m_arena, m_description.reads);
@@ -247,7 +249,8 @@ EdgeLists::EdgeLists(size_t nodes, const Edges& edges) : m_offsets(nodes + 2, 0)
     for (size_t i = 0; i < nodes; ++i) {
         const auto begin = m_targets.begin() + m_offsets[i];
         const auto end = m_targets.begin() + m_offsets[i + 1];
-        std::sort(begin, end);
+        if (!std::is_sorted(begin, end)) // rare
+            std::sort(begin, end);
         const auto last = std::unique(begin, end);
         m_offsets[i] = kept;
         kept = static_cast<uint32_t>(std::copy(begin, last, m_targets.begin() + kept) - m_targets.begin());

@@ -14,14 +14,22 @@ namespace {
 
 // Real files stay below a tenth of each.
 constexpr std::ptrdiff_t kMaxTags = 1'000'000;
+constexpr size_t kShortestTag = 3;
 constexpr int kMaxGroupDepth = 64;
 
 std::string_view LocalName(const pugi::xml_node& node) {
-    const std::string_view name = node.name();
-    const size_t colon = name.rfind(':');
-    return colon == name.npos ? name : name.substr(colon + 1);
+    const char* const name = node.name();
+    const char* begin = name;
+    const char* end = name;
+    for (; *end != '\0'; ++end)
+        if (*end == ':')
+            begin = end + 1;
+    return {begin, static_cast<size_t>(end - begin)};
 }
 
+bool IsElement(const pugi::xml_node& node) {
+    return node.type() == pugi::node_element;
+}
 bool IsText(const pugi::xml_node& node) {
     return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
 }
@@ -100,8 +108,8 @@ private:
         if (depth > kMaxGroupDepth)
             throw RUNTIME_EXCEPTION("Group '%s' is nested deeper than %d.",
                                     parent.attribute("Comment").value(), kMaxGroupDepth);
-        for (const pugi::xml_node child : parent.children()) {
-            if (child.type() != pugi::node_element)
+        for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
+            if (!IsElement(child))
                 continue;
             const ElementName tag = m_writer.Name(LocalName(child));
             if (tag == ElementName::Group)
@@ -117,7 +125,8 @@ private:
         NodeDraft node;
         node.tag = tag;
         node.mergePriority = m_priority;
-        for (const pugi::xml_attribute attribute : element.attributes()) {
+        for (pugi::xml_attribute attribute = element.first_attribute(); attribute;
+             attribute = attribute.next_attribute()) {
             const std::string_view name = attribute.name();
             if (name == "Name")
                 node.name = Trim(attribute.value());
@@ -143,8 +152,8 @@ private:
     }
 
     void ReadElements(const pugi::xml_node& parent, const NodeDraft& node) {
-        for (const pugi::xml_node child : parent.children())
-            if (child.type() == pugi::node_element)
+        for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling())
+            if (IsElement(child))
                 ReadElement(child, node);
     }
 
@@ -181,16 +190,17 @@ private:
         m_elements.push_back({name, AttributeName::None, target, {}});
     }
 
-    /// Comments inside a text cut it into several pieces.
+    /// Comments inside a text cut it into several pieces. The first is the value of the element itself, but
+    /// for one in a CDATA section.
     std::string_view TextOf(const pugi::xml_node& node) {
         const pugi::xml_node first = node.first_child();
         if (!first)
-            return {};
-        if (!first.next_sibling())
-            return IsText(first) ? std::string_view(first.value()) : std::string_view();
-        std::string text;
-        for (const pugi::xml_node piece : node.children())
-            if (IsText(piece))
+            return node.value();
+        std::string text = node.value();
+        for (pugi::xml_node piece = first; piece; piece = piece.next_sibling())
+            if (IsText(piece) && text.empty() && !piece.next_sibling())
+                return piece.value();
+            else if (IsText(piece))
                 text += piece.value();
         return m_writer.GetArena().Keep(text);
     }
@@ -202,7 +212,8 @@ private:
         // A String's value is the one text whose blanks count.
         if (!(tag == ElementName::String && name == ElementName::Value))
             element.text = Trim(element.text);
-        for (const pugi::xml_attribute attribute : child.attributes())
+        for (pugi::xml_attribute attribute = child.first_attribute(); attribute;
+             attribute = attribute.next_attribute())
             for (const AttributeText& known : kAttributes)
                 if (known.text == attribute.name() && element.attributeName == AttributeName::None) {
                     element.attributeName = known.name;
@@ -256,8 +267,8 @@ private:
         const std::vector<ElementDraft> inherited(m_elements.begin() + static_cast<std::ptrdiff_t>(begin),
                                                   m_elements.end());
         m_elements.resize(begin);
-        for (const pugi::xml_node child : element.children())
-            if (child.type() == pugi::node_element && LocalName(child) == "StructEntry")
+        for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling())
+            if (IsElement(child) && LocalName(child) == "StructEntry")
                 ReadStructureEntry(child, inherited);
     }
 
@@ -291,11 +302,11 @@ private:
 } // namespace
 
 void ParseDocument(char* text, size_t size, bool keepTexts, DocumentWriter& writer) {
-    if (std::count(text, text + size, '<') > kMaxTags)
+    if (size / kShortestTag > size_t{kMaxTags} && std::count(text, text + size, '<') > kMaxTags)
         throw RUNTIME_EXCEPTION("The description has more than %td tags.", kMaxTags);
     pugi::xml_document xml;
-    const pugi::xml_parse_result result =
-        xml.load_buffer_inplace(text, size, pugi::parse_default, pugi::encoding_utf8);
+    const pugi::xml_parse_result result = xml.load_buffer_inplace(
+        text, size, pugi::parse_default | pugi::parse_embed_pcdata, pugi::encoding_utf8);
     if (!result)
         throw RUNTIME_EXCEPTION("The description is not well-formed XML: %s at byte %td.",
                                 result.description(), result.offset);

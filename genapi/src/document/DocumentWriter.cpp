@@ -96,7 +96,7 @@ bool DocumentWriter::Add(const NodeDraft& node, const ElementDraft* first, size_
     const uint32_t hash = Hash(node.name);
     size_t place = hash & mask;
     for (; m_places[place] != 0; place = (place + 1) & mask)
-        if (m_rows[m_places[place] - 1].node.name == node.name)
+        if (const Row& row = m_rows[m_places[place] - 1]; row.hash == hash && row.node.name == node.name)
             return false;
     if (m_rows.size() >= kMaxNodes)
         throw RUNTIME_EXCEPTION("The description has more than %zu nodes; the next is '%s'.", kMaxNodes,

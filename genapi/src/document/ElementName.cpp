@@ -15,11 +15,12 @@ constexpr size_t kCount = sizeof kNames / sizeof *kNames;
 constexpr size_t kPlaces = 512;
 static_assert(kCount == static_cast<size_t>(ElementName::FirstUnknown) && kCount < kPlaces / 2);
 
+/// No two of the names have length, first, middle and last character in common. The factors are chosen such
+/// that two of them meet.
 constexpr uint32_t Hash(std::string_view name) {
-    uint32_t hash = 2166136261U;
-    for (const char c : name)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-    return hash ^ hash >> 15;
+    const auto at = [name](size_t place) { return uint32_t{static_cast<unsigned char>(name[place])}; };
+    const size_t size = name.size();
+    return size == 0 ? 0 : 9 * static_cast<uint32_t>(size) + at(0) + 13 * at(size / 2) + 61 * at(size - 1);
 }
 
 /// Places hold one more than the number of a name; 0 is free.

@@ -227,6 +227,26 @@ TEST(Factory, FirstOfTwoEqualNamesStaysAndExtensionsAreSkipped) {
     EXPECT_EQ(camera.Node("Inner"), nullptr);
 }
 
+TEST(Factory, TextsInPiecesAreWhole) {
+    const std::pair<const char*, const char*> kTexts[] = {
+        {"a<!--x-->b", "ab"},
+        {"<!--x-->ab", "ab"},
+        {"<![CDATA[a<b]]>", "a<b"},
+        {"a<![CDATA[b]]>c", "abc"},
+        {"<![CDATA[a]]>b<!---->c", "abc"},
+        {"<![CDATA[]]>", ""},
+        {"<i/>ab", "ab"},
+        {"a<i>x</i>b", "ab"},
+        {"<![CDATA[a]]><i/>", "a"},
+        {"a&amp;b", "a&b"},
+        {" <!----> ab ", "ab"},
+    };
+    for (const auto& [xml, text] : kTexts) {
+        Camera camera(::Node("Integer", "A", std::string("<ToolTip>") + xml + "</ToolTip><Value>1</Value>"));
+        EXPECT_STREQ(camera.Node("A")->GetToolTip().c_str(), text) << xml;
+    }
+}
+
 TEST(Factory, GroupBombIsRefused) {
     std::string open;
     std::string close;
