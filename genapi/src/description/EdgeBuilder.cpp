@@ -2,6 +2,7 @@
 #include "genapi/src/description/EdgeLists.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -178,47 +179,75 @@ private:
                 }
         }
         SpreadModeCaching(valueUsers, placeUsers, predicateUsers);
+        SpreadModeFollowing(valueUsers, placeUsers);
         SpreadWriteAround(valueUsers);
+    }
+
+    using Users = std::initializer_list<const EdgeLists*>;
+
+    /// Goes on to the users of each node for which `mark` is true, which it must be once at most.
+    template <class Mark>
+    void Spread(std::vector<NodeIndex> open, Users users, Mark mark) const {
+        while (!open.empty()) {
+            const NodeIndex i = open.back();
+            open.pop_back();
+            for (const EdgeLists* lists : users)
+                for (const NodeIndex user : lists->Of(i))
+                    if (mark(m_description.nodes[user]))
+                        open.push_back(user);
+        }
+    }
+
+    /// All nodes for which `mark` is true at first.
+    template <class Mark>
+    std::vector<NodeIndex> Marked(Mark mark) const {
+        std::vector<NodeIndex> marked;
+        for (NodeIndex i = 0; i < m_description.nodes.size(); ++i)
+            if (mark(m_description.nodes[i]))
+                marked.push_back(i);
+        return marked;
     }
 
     void SpreadModeCaching(const EdgeLists& valueUsers, const EdgeLists& placeUsers,
                            const EdgeLists& predicateUsers) {
-        List<NodeDescription>& nodes = m_description.nodes;
-        std::vector<NodeIndex> open;
-        const auto mark = [&](NodeIndex i) {
-            if (nodes[i].modeCacheable) {
-                nodes[i].modeCacheable = false;
-                open.push_back(i);
-            }
-        };
-        for (NodeIndex i = 0; i < nodes.size(); ++i)
-            if (!nodes[i].cacheable || nodes[i].addressVolatile)
-                for (const NodeIndex user : predicateUsers.Of(i))
-                    mark(user);
-        while (!open.empty()) {
-            const NodeIndex i = open.back();
-            open.pop_back();
-            for (const EdgeLists* users : {&valueUsers, &placeUsers, &predicateUsers})
-                for (const NodeIndex user : users->Of(i))
-                    mark(user);
-        }
+        const auto mark = [](NodeDescription& node) { return std::exchange(node.modeCacheable, false); };
+        std::vector<NodeIndex> asked;
+        for (const NodeIndex i :
+             Marked([](const NodeDescription& node) { return !node.cacheable || node.addressVolatile; }))
+            for (const NodeIndex user : predicateUsers.Of(i))
+                if (mark(m_description.nodes[user]))
+                    asked.push_back(user);
+        Spread(std::move(asked), {&valueUsers, &placeUsers, &predicateUsers}, mark);
+    }
+
+    // Predicates, tables and increments are values; so is where a register lies in an event or a chunk.
+    bool AsksValuesForMode(const NodeDescription& node) const {
+        if (node.implemented != kNoNode || node.available != kNoNode || node.locked != kNoNode)
+            return true;
+        if (node.source && (node.source->form == SourcePart::Form::Table || !node.source->copies.empty()))
+            return true;
+        if (!node.reg || !node.error.empty())
+            return false;
+        const NodeDescription& port = m_description.nodes[node.reg->port];
+        return port.modeFollowsValues || port.hasEvent || port.port->isChunk;
+    }
+
+    void SpreadModeFollowing(const EdgeLists& valueUsers, const EdgeLists& placeUsers) {
+        const auto mark = [](NodeDescription& node) { return !std::exchange(node.modeFollowsValues, true); };
+        for (const NodeIndex port : m_description.ports)
+            m_description.nodes[port].modeFollowsValues = AsksValuesForMode(m_description.nodes[port]);
+        Spread(Marked([&](NodeDescription& node) { return AsksValuesForMode(node) && mark(node); }),
+               {&valueUsers, &placeUsers}, mark);
     }
 
     void SpreadWriteAround(const EdgeLists& valueUsers) {
-        List<NodeDescription>& nodes = m_description.nodes;
-        std::vector<NodeIndex> open;
-        for (NodeIndex i = 0; i < nodes.size(); ++i)
-            if (nodes[i].caching == WriteAround)
-                open.push_back(i);
-        while (!open.empty()) {
-            const NodeIndex i = open.back();
-            open.pop_back();
-            for (const NodeIndex user : valueUsers.Of(i))
-                if (nodes[user].caching == WriteThrough) {
-                    nodes[user].caching = WriteAround;
-                    open.push_back(user);
-                }
-        }
+        Spread(Marked([](const NodeDescription& node) { return node.caching == WriteAround; }), {&valueUsers},
+               [](NodeDescription& node) {
+                   const bool first = node.caching == WriteThrough;
+                   if (first)
+                       node.caching = WriteAround;
+                   return first;
+               });
     }
 
     Arena& m_arena;

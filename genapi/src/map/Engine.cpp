@@ -37,7 +37,7 @@ bool Engine::SpendStep() {
 
 void Engine::Connect(NodeIndex port, IPort* implementation) {
     Port(port).implementation = implementation;
-    Changed(port);
+    AccessChanged(port);
 }
 
 void Engine::AttachEvent(NodeIndex port, const uint8_t* data, size_t size) {
@@ -46,7 +46,7 @@ void Engine::AttachEvent(NodeIndex port, const uint8_t* data, size_t size) {
         state.bytes.assign(data, data + size);
         state.hasBytes = true;
     }
-    Changed(port);
+    AccessChanged(port);
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -107,14 +107,17 @@ public:
     const ChunkBuffer& Chunks() const { return m_chunks; }
 
     // Invalidation
-    /// The node has been changed from outside: what depends on it is stale.
+    /// The node's value has been changed from outside: what depends on it is stale.
     void Changed(NodeIndex node);
+    /// So has what may be done with it.
+    void AccessChanged(NodeIndex node);
     /// Drops the node, what it reads and what depends on either.
     void Invalidate(NodeIndex node);
     void InvalidateAll();
     void Poll(int64_t elapsed);
     /// The nodes with callbacks that have changed since the last call, each once.
     std::vector<NodeIndex> TakeChanged();
+    bool HasChanged() const { return !m_changed.empty(); }
     void SetHasCallbacks(NodeIndex node, bool has);
 
     /// While it lives, reads go past the cache (or, with false, use it again).
@@ -142,6 +145,8 @@ private:
     };
     enum class Truth : uint8_t { False, True, Unknown };
     enum class Side : uint8_t { Min, Max };
+    /// What is out of date: values and the access that follows from values, or all access as well.
+    enum class Stale : uint8_t { Values, All };
     class Step;
     class Level;
     class Variables;
@@ -205,17 +210,20 @@ private:
     void ReportErrors(NodeIndex node);
 
     Number Limit(NodeIndex node, Side side);
+    const Number* FixedLimit(NodeIndex node, Side side) const;
     Number OwnLimit(NodeIndex node, Side side);
     Number SourceLimit(NodeIndex node, Side side);
     Number ConverterLimit(NodeIndex node, Side side);
     std::optional<double> ConvertedLimit(NodeIndex node, Number limit);
     std::optional<Number> GivenNumber(const NumberSource& source);
 
-    void Drop(NodeIndex node);
+    void Drop(NodeIndex node, Stale what);
     void MarkChanged(NodeIndex node);
-    void Spread(const NodeIndex* from, size_t count);
-    void Spread(NodeIndex from) { Spread(&from, 1); }
-    void Spread(const std::vector<NodeIndex>& from) { Spread(from.data(), from.size()); }
+    void Spread(const NodeIndex* from, size_t count, Stale what);
+    void Spread(NodeIndex from, Stale what = Stale::Values) { Spread(&from, 1, what); }
+    void Spread(const std::vector<NodeIndex>& from, Stale what = Stale::Values) {
+        Spread(from.data(), from.size(), what);
+    }
     bool IsPollingDue(size_t which, int64_t elapsed);
 
     std::shared_ptr<const Description> m_description;

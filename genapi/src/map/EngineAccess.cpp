@@ -47,7 +47,7 @@ void Engine::RequireWritable(NodeIndex node) {
 
 void Engine::ImposeMode(NodeIndex node, EAccessMode mode) {
     m_states[node].imposedMode = static_cast<uint8_t>(mode);
-    Changed(node);
+    AccessChanged(node);
 }
 
 Engine::Modes Engine::ModesOf(NodeIndex node) {

@@ -5,9 +5,10 @@
 
 namespace GENAPI_NAMESPACE::inside {
 
-void Engine::Drop(NodeIndex node) {
+void Engine::Drop(NodeIndex node, Stale what) {
     NodeState& state = m_states[node];
-    state.modeKept = false;
+    if (what == Stale::All || Node(node).modeFollowsValues)
+        state.modeKept = false;
     if (!state.ownsValue)
         state.valueKept = false;
     DropWord(node);
@@ -23,7 +24,7 @@ void Engine::MarkChanged(NodeIndex node) {
 }
 
 // The nodes it starts from are left as they are: whoever wrote one knows what it holds now.
-void Engine::Spread(const NodeIndex* from, size_t count) {
+void Engine::Spread(const NodeIndex* from, size_t count, Stale what) {
     if (++m_visit == 0) {
         for (NodeState& state : m_states)
             state.visit = 0;
@@ -41,7 +42,7 @@ void Engine::Spread(const NodeIndex* from, size_t count) {
             if (m_states[dependent].visit == m_visit)
                 continue;
             m_states[dependent].visit = m_visit;
-            Drop(dependent);
+            Drop(dependent, what);
             m_open.push_back(dependent);
         }
     }
@@ -51,9 +52,16 @@ void Engine::Spread(const NodeIndex* from, size_t count) {
 }
 
 void Engine::Changed(NodeIndex node) {
-    m_states[node].modeKept = false;
+    if (Node(node).modeFollowsValues)
+        m_states[node].modeKept = false;
     MarkChanged(node);
     Spread(node);
+}
+
+void Engine::AccessChanged(NodeIndex node) {
+    m_states[node].modeKept = false;
+    MarkChanged(node);
+    Spread(node, Stale::All);
 }
 
 void Engine::Invalidate(NodeIndex node) {
@@ -67,13 +75,13 @@ void Engine::Invalidate(NodeIndex node) {
                 stale.push_back(child);
             }
     for (const NodeIndex each : stale)
-        Drop(each);
-    Spread(stale);
+        Drop(each, Stale::All);
+    Spread(stale, Stale::All);
 }
 
 void Engine::InvalidateAll() {
     for (NodeIndex i = 0; i < m_states.size(); ++i)
-        Drop(i);
+        Drop(i, Stale::All);
     m_chunks.idsChanged = !m_chunks.idNodes.empty();
 }
 

@@ -32,6 +32,8 @@ bool Less(Number left, Number right) {
 
 Number Engine::Min(NodeIndex node) {
     Number limit = Limit(node, Side::Min);
+    if (m_imposed.empty())
+        return limit;
     const auto imposed = m_imposed.find(node);
     if (imposed != m_imposed.end() && imposed->second.min && Less(limit, *imposed->second.min))
         limit = *imposed->second.min;
@@ -40,6 +42,8 @@ Number Engine::Min(NodeIndex node) {
 
 Number Engine::Max(NodeIndex node) {
     Number limit = Limit(node, Side::Max);
+    if (m_imposed.empty())
+        return limit;
     const auto imposed = m_imposed.find(node);
     if (imposed != m_imposed.end() && imposed->second.max && Less(*imposed->second.max, limit))
         limit = *imposed->second.max;
@@ -56,8 +60,22 @@ void Engine::ImposeMax(NodeIndex node, Number value) {
     Changed(node);
 }
 
+// Most whole numbers have limits that stand in the file, or none.
+const Number* Engine::FixedLimit(NodeIndex node, Side side) const {
+    static const Number kOpen[] = {Number::Of(kLowestInteger), Number::Of(kHighestInteger)};
+    const NodeDescription& description = Node(node);
+    if (description.type != NodeType::Integer || !description.error.empty())
+        return nullptr;
+    const NumberSource& given = side == Side::Min ? description.limits->min : description.limits->max;
+    if (given.given)
+        return given.node == kNoNode && given.constant.isInteger ? &given.constant : nullptr;
+    return description.source->form == SourcePart::Form::Own ? &kOpen[side == Side::Min ? 0 : 1] : nullptr;
+}
+
 // In the terms of the node's own kind: limits of a float become whole numbers inside them.
 Number Engine::Limit(NodeIndex node, Side side) {
+    if (const Number* const fixed = FixedLimit(node, side))
+        return *fixed;
     const Level level(*this, node);
     const CacheUse useCache(*this, false);
     const Number limit = OwnLimit(node, side);
@@ -190,6 +208,8 @@ std::optional<int64_t> Engine::StatedIncrement(NodeIndex node) {
     if (const auto given = GivenNumber(description.limits->inc))
         return std::max<int64_t>(1, given->AsInteger());
     const SourcePart& source = *description.source;
+    if (source.form == SourcePart::Form::Own && source.copies.empty())
+        return std::nullopt;
     const Level level(*this, node);
     NodeIndex target = source.node;
     if (source.form == SourcePart::Form::Table) {
@@ -260,7 +280,7 @@ void Engine::CheckInteger(NodeIndex node, int64_t value) {
     const bool below = min == kLowestInteger && value < 0;
     const uint64_t distance =
         below ? first - static_cast<uint64_t>(value) : static_cast<uint64_t>(value) - first;
-    if (distance % static_cast<uint64_t>(inc) != 0)
+    if (inc != 1 && distance % static_cast<uint64_t>(inc) != 0)
         throw OUT_OF_RANGE_EXCEPTION(
             "Value %lld of '%s' is no multiple of the increment %lld (min %lld, max %lld).",
             static_cast<long long>(value), Name(node).c_str(), static_cast<long long>(inc),

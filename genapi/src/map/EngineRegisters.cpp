@@ -261,7 +261,7 @@ void Engine::InvalidateOverlaps(NodeIndex port, NodeIndex writer, Place place) {
             continue;
         const Place where = fixed ? Place{reg.address, reg.length} : m_places[reg.slot];
         if (Overlap(where, place)) {
-            Drop(other);
+            Drop(other, Stale::Values);
             touched.push_back(other);
         }
     }

@@ -96,15 +96,30 @@ private:
     /// One operation: holds the lock, and runs callbacks at its end.
     class Operation {
     public:
-        explicit Operation(const NodeMapImpl& map);
+        explicit Operation(const NodeMapImpl& map) : m_map(map) {
+            m_map.m_lock.Lock();
+            ++m_map.m_nesting;
+        }
         /// After an exception: callbacks still run, what they throw is dropped.
-        ~Operation();
+        ~Operation() {
+            if (!m_finished)
+                End();
+        }
         Operation(const Operation&) = delete;
         Operation& operator=(const Operation&) = delete;
         /// Throws the first exception of a callback, after all have run.
-        void Finish();
+        void Finish() {
+            m_finished = true;
+            if (m_map.m_nesting == 1 && m_map.m_engine.HasChanged()) {
+                RunCallbacks();
+                return;
+            }
+            --m_map.m_nesting;
+            m_map.m_lock.Unlock();
+        }
 
     private:
+        void RunCallbacks();
         Registrations Changed() const;
         std::exception_ptr End();
 

@@ -7,18 +7,7 @@
 
 namespace GENAPI_NAMESPACE::inside {
 
-NodeMapImpl::Operation::Operation(const NodeMapImpl& map) : m_map(map) {
-    m_map.m_lock.Lock();
-    ++m_map.m_nesting;
-}
-
-NodeMapImpl::Operation::~Operation() {
-    if (!m_finished)
-        End();
-}
-
-void NodeMapImpl::Operation::Finish() {
-    m_finished = true;
+void NodeMapImpl::Operation::RunCallbacks() {
     if (const std::exception_ptr failure = End())
         std::rethrow_exception(failure);
 }

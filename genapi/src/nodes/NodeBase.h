@@ -73,13 +73,19 @@ protected:
     /// verified.
     template <class Read, class Check>
     auto ReadChecked(bool verify, bool ignoreCache, Read&& read, Check&& check) const {
-        return Do([&](Engine& engine) {
-            engine.RequireReadable(m_index);
-            const Engine::CacheUse use(engine, ignoreCache);
-            auto value = read(engine);
-            if (verify)
-                check(engine, value);
-            return value;
+        return Do([&](Engine& engine) { return ReadNow(engine, verify, ignoreCache, read, check); });
+    }
+    /// The same for a number. No more than a few loads while value and mode are kept and the node can be
+    /// read: then `kept(state)`.
+    template <class Kept, class Read, class Check>
+    auto ReadNumberChecked(bool verify, bool ignoreCache, Kept&& kept, Read&& read, Check&& check) const {
+        return m_map.Do([&](Engine& engine) {
+            const NodeState& state = engine.State(m_index);
+            const bool isReady = state.valueKept && state.modeKept &&
+                                 (state.mode == RO || state.mode == RW) && !Description().addressVolatile;
+            if (isReady && !verify && !ignoreCache)
+                return kept(state);
+            return ReadNow(engine, verify, ignoreCache, read, check);
         });
     }
     template <class Write>
@@ -90,16 +96,19 @@ protected:
             write(engine);
         });
     }
-    /// True when value and mode are kept and the node can be read: no more than these loads is a cached read.
-    /// The lock is held.
-    bool IsReadyToRead() const {
-        const NodeState& state = m_map.GetEngine().State(m_index);
-        return state.valueKept && state.modeKept && (state.mode == RO || state.mode == RW) &&
-               !Description().addressVolatile;
-    }
-
     NodeMapImpl& m_map;
     const NodeIndex m_index;
+
+private:
+    template <class Read, class Check>
+    auto ReadNow(Engine& engine, bool verify, bool ignoreCache, Read&& read, Check&& check) const {
+        engine.RequireReadable(m_index);
+        const Engine::CacheUse use(engine, ignoreCache);
+        auto value = read(engine);
+        if (verify)
+            check(engine, value);
+        return value;
+    }
 };
 
 /// The object for a node, by its type.

@@ -55,13 +55,9 @@ IInteger& IntegerNode::operator=(int64_t Value) {
     return *this;
 }
 int64_t IntegerNode::GetValue(bool Verify, bool IgnoreCache) {
-    if (!Verify && !IgnoreCache) {
-        const AutoLock lock(m_map.GetLock());
-        if (IsReadyToRead())
-            return m_map.GetEngine().State(m_index).integer;
-    }
-    return ReadChecked(
-        Verify, IgnoreCache, [this](Engine& engine) { return engine.ReadInteger(m_index); },
+    return ReadNumberChecked(
+        Verify, IgnoreCache, [](const NodeState& state) { return state.integer; },
+        [this](Engine& engine) { return engine.ReadInteger(m_index); },
         [this](Engine& engine, int64_t value) { engine.CheckRange(m_index, value); });
 }
 int64_t IntegerNode::operator()() {
@@ -135,13 +131,9 @@ IFloat& FloatNode::operator=(double Value) {
     return *this;
 }
 double FloatNode::GetValue(bool Verify, bool IgnoreCache) {
-    if (!Verify && !IgnoreCache) {
-        const AutoLock lock(m_map.GetLock());
-        if (IsReadyToRead())
-            return m_map.GetEngine().State(m_index).real;
-    }
-    return ReadChecked(
-        Verify, IgnoreCache, [this](Engine& engine) { return engine.ReadFloat(m_index); },
+    return ReadNumberChecked(
+        Verify, IgnoreCache, [](const NodeState& state) { return state.real; },
+        [this](Engine& engine) { return engine.ReadFloat(m_index); },
         [this](Engine& engine, double value) { engine.CheckFloat(m_index, value); });
 }
 double FloatNode::operator()() {

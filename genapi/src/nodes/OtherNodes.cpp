@@ -71,13 +71,9 @@ IBoolean& BooleanNode::operator=(bool Value) {
     return *this;
 }
 bool BooleanNode::GetValue(bool Verify, bool IgnoreCache) const {
-    if (!Verify && !IgnoreCache) {
-        const AutoLock lock(m_map.GetLock());
-        if (IsReadyToRead())
-            return m_map.GetEngine().State(m_index).integer != 0;
-    }
-    return ReadChecked(
-        Verify, IgnoreCache, [this](Engine& engine) { return engine.ReadInteger(m_index) != 0; }, kNoCheck);
+    return ReadNumberChecked(
+        Verify, IgnoreCache, [](const NodeState& state) { return state.integer != 0; },
+        [this](Engine& engine) { return engine.ReadInteger(m_index) != 0; }, kNoCheck);
 }
 bool BooleanNode::operator()() const {
     return GetValue(false, false);
@@ -176,13 +172,9 @@ gcstring EnumerationNode::operator*() {
     return ToString(false, false);
 }
 int64_t EnumerationNode::GetIntValue(bool Verify, bool IgnoreCache) {
-    if (!Verify && !IgnoreCache) {
-        const AutoLock lock(m_map.GetLock());
-        if (IsReadyToRead())
-            return m_map.GetEngine().State(m_index).integer;
-    }
-    return ReadChecked(
-        Verify, IgnoreCache, [this](Engine& engine) { return engine.ReadInteger(m_index); },
+    return ReadNumberChecked(
+        Verify, IgnoreCache, [](const NodeState& state) { return state.integer; },
+        [this](Engine& engine) { return engine.ReadInteger(m_index); },
         [this](Engine& engine, int64_t value) {
             if (engine.EntryOf(m_index, value) == kNoNode)
                 throw OUT_OF_RANGE_EXCEPTION("Value %lld of '%s' has no entry.",
