@@ -3,6 +3,7 @@
 #include "genapi/src/document/Lexical.h"
 #include "genapi/src/image/Flat.h"
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -123,6 +124,9 @@ public:
 protected:
     ~VariableValues() = default;
 };
+
+/// The value of instructions without variables, if it has one.
+std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, bool integer);
 
 /// FormulaError says why there is no value; what `values` throws passes.
 Number EvaluateFormula(const Formula& formula, VariableValues& values);

@@ -71,7 +71,8 @@ private:
     }
 
     size_t Emit(Instruction instruction, int stackChange) {
-        if (m_formula.code.size() >= kMaxInstructions)
+        // Counts what has been folded as well: expressions of expressions of constants take time and no code.
+        if (++m_emitted > kMaxInstructions)
             throw FormulaError("compiles to more than " + std::to_string(kMaxInstructions) + " steps");
         m_formula.code.push_back(instruction);
         m_depth = static_cast<size_t>(static_cast<int>(m_depth) + stackChange);
@@ -82,8 +83,28 @@ private:
     }
     size_t Emit(Op op, int stackChange) { return Emit(Instruction{op, 0, 0, {}}, stackChange); }
     void LandHere(size_t jump) {
-        m_formula.code[jump].argument = static_cast<uint32_t>(m_formula.code.size());
+        m_landed = m_formula.code.size();
+        m_formula.code[jump].argument = static_cast<uint32_t>(m_landed);
     }
+    // What has only constants for operands is one, unless a jump arrives among them or there is no value:
+    // that may be where nobody ever comes.
+    void EmitOn(size_t operands, Instruction instruction) {
+        Emit(instruction, 1 - static_cast<int>(operands));
+        std::vector<Instruction>& code = m_formula.code;
+        const auto begin = code.end() - static_cast<std::ptrdiff_t>(operands + 1);
+        const bool constant = static_cast<size_t>(begin - code.begin()) >= m_landed &&
+                              std::all_of(begin, code.end() - 1, [](const Instruction& operand) {
+                                  return operand.op == Op::PushInteger || operand.op == Op::PushReal;
+                              });
+        const auto value =
+            constant ? EvaluateConstants(&*begin, operands + 1, m_integer) : std::optional<Number>();
+        if (!value)
+            return;
+        code.erase(begin, code.end());
+        --m_depth;
+        Push(*value);
+    }
+    void EmitOn(size_t operands, Op op) { EmitOn(operands, Instruction{op, 0, 0, {}}); }
     void Push(Number value) {
         Instruction push{Op::PushInteger, 0, 0, {}};
         if (m_integer || value.isInteger) {
@@ -127,7 +148,7 @@ private:
                 Logical(*op);
             } else {
                 Binary(op->precedence + 1);
-                Emit(op->op, -1);
+                EmitOn(2, op->op);
             }
         }
     }
@@ -153,7 +174,7 @@ private:
         Unary();
         if (m_lexer->Take("**")) {
             Power();
-            Emit(Op::Power, -1);
+            EmitOn(2, Op::Power);
         }
     }
 
@@ -164,13 +185,13 @@ private:
             Unary();
         } else if (m_lexer->Take("-")) {
             Unary();
-            Emit(Op::Negate, 0);
+            EmitOn(1, Op::Negate);
         } else if (m_lexer->Take("~")) {
             Unary();
-            Emit(Op::Invert, 0);
+            EmitOn(1, Op::Invert);
         } else if (m_lexer->Take("!")) {
             Unary();
-            Emit(Op::Not, 0);
+            EmitOn(1, Op::Not);
         } else {
             Primary();
         }
@@ -244,7 +265,7 @@ private:
         } while (count < function.maxOperands && m_lexer->Take(","));
         if (!m_lexer->Take(")"))
             Fail("')' expected");
-        Emit(Instruction{Op::Function, count, static_cast<uint32_t>(function.function), {}}, 1 - count);
+        EmitOn(count, Instruction{Op::Function, count, static_cast<uint32_t>(function.function), {}});
     }
 
     FormulaDraft& m_formula;
@@ -254,6 +275,8 @@ private:
     std::vector<std::string> m_expressions;
     size_t m_nesting = 0;
     size_t m_depth = 0;
+    size_t m_emitted = 0;
+    size_t m_landed = 0; ///< where the last jump arrives that has arrived
 };
 
 } // namespace

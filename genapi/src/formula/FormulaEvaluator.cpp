@@ -30,7 +30,13 @@ struct Operand {
     static Operand Of(bool value) { return Of(int64_t{value}); }
     double AsDouble() const { return isInteger ? static_cast<double>(integer) : real; }
     int64_t AsInteger() const { return isInteger ? integer : Truncate(real); }
+    Number AsNumber() const { return isInteger ? Number::Of(integer) : Number::Of(real); }
     bool IsTrue() const { return isInteger ? integer != 0 : real != 0; }
+};
+
+/// Evaluation has met a name that nobody declares.
+struct UndefinedName {
+    uint32_t number;
 };
 
 int64_t Wrap(uint64_t value) {
@@ -194,6 +200,8 @@ double RealFunction(Function function, double x, double digits) {
     case Function::Round:
         break;
     }
+    if (digits > -1 && digits < 1)
+        return std::round(x);
     const double scale = std::pow(10.0, std::trunc(digits));
     return std::round(x * scale) / scale;
 }
@@ -228,16 +236,15 @@ Operand UnaryOf(Op op, Operand x) {
     }
 }
 
-Operand LoadVariable(const Formula& formula, uint32_t slot, VariableValues& values) {
+Operand LoadVariable(bool integer, uint32_t slot, VariableValues& values) {
     const Number value = values.Value(slot);
-    if (formula.integer || value.isInteger)
+    if (integer || value.isInteger)
         return Operand::Of(value.AsInteger());
     return Operand::Of(value.real);
 }
 
-Operand Run(const Formula& formula, VariableValues& values, Operand* top) {
-    const Instruction* const code = formula.code.begin();
-    const size_t count = formula.code.size();
+/// Without values, there are no variables.
+Operand Run(const Instruction* code, size_t count, bool integer, VariableValues* values, Operand* top) {
     for (size_t next = 0; next < count;) {
         const Instruction& step = code[next++];
         switch (step.op) {
@@ -248,10 +255,10 @@ Operand Run(const Formula& formula, VariableValues& values, Operand* top) {
             *top++ = Operand::Of(step.real);
             break;
         case Op::Load:
-            *top++ = LoadVariable(formula, step.argument, values);
+            *top++ = LoadVariable(integer, step.argument, *values);
             break;
         case Op::Undefined:
-            throw FormulaError("'" + formula.undefined[step.argument].Copy() + "' is not defined");
+            throw UndefinedName{step.argument};
         case Op::Jump:
             next = step.argument;
             break;
@@ -270,12 +277,12 @@ Operand Run(const Formula& formula, VariableValues& values, Operand* top) {
         case Op::Function:
             top -= step.count;
             *top = Call(static_cast<Function>(step.argument), *top,
-                        step.count > 1 ? top[1] : Operand::Of(int64_t{0}), formula.integer);
+                        step.count > 1 ? top[1] : Operand::Of(int64_t{0}), integer);
             ++top;
             break;
         default:
             --top;
-            top[-1] = Binary(step.op, top[-1], *top, formula.integer);
+            top[-1] = Binary(step.op, top[-1], *top, integer);
         }
     }
     return top[-1];
@@ -283,17 +290,33 @@ Operand Run(const Formula& formula, VariableValues& values, Operand* top) {
 
 } // namespace
 
+std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, bool integer) {
+    constexpr size_t kMostInstructions = 4;
+    std::array<Operand, kMostInstructions> stack;
+    if (count > kMostInstructions)
+        return std::nullopt;
+    try {
+        return Run(code, count, integer, nullptr, stack.data()).AsNumber();
+    } catch (const FormulaError&) {
+        return std::nullopt;
+    }
+}
+
 Number EvaluateFormula(const Formula& formula, VariableValues& values) {
     constexpr size_t kUsualStack = 32;
-    Operand result = Operand::Of(int64_t{0});
-    if (formula.stackSize <= kUsualStack) {
-        std::array<Operand, kUsualStack> stack;
-        result = Run(formula, values, stack.data());
-    } else {
+    const auto run = [&](Operand* stack) {
+        return Run(formula.code.begin(), formula.code.size(), formula.integer, &values, stack).AsNumber();
+    };
+    try {
+        if (formula.stackSize <= kUsualStack) {
+            std::array<Operand, kUsualStack> stack;
+            return run(stack.data());
+        }
         std::vector<Operand> stack(formula.stackSize);
-        result = Run(formula, values, stack.data());
+        return run(stack.data());
+    } catch (const UndefinedName& name) {
+        throw FormulaError("'" + formula.undefined[name.number].Copy() + "' is not defined");
     }
-    return result.isInteger ? Number::Of(result.integer) : Number::Of(result.real);
 }
 
 } // namespace GENAPI_NAMESPACE::inside

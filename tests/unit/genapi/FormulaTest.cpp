@@ -73,6 +73,31 @@ TEST(Formula, NumbersInEveryForm) {
     EXPECT_EQ(Integer("2.9"), 2);
 }
 
+TEST(Formula, ConstantPartsAreTheSameAsVariableOnes) {
+    const auto with = [](const std::string& formula, int64_t a) {
+        Camera camera(::Node("Integer", "A", "<Value>" + std::to_string(a) + "</Value>") +
+                      Knife("K", formula, false, "<pVariable Name=\"A\">A</pVariable>"));
+        return camera.Float("K")->GetValue();
+    };
+    struct Row {
+        const char* formula;
+        double atZero;
+        double atOne;
+    };
+    for (const Row& row : {Row{"(A?1:2)+3", 5, 4}, Row{"3+(A?1:2)", 5, 4}, Row{"A?1+2:3*4", 12, 3},
+                           Row{"-(A?1:2)", -2, -1}, Row{"(A||0)+2*3", 6, 7}, Row{"2*3-(A&&1)", 6, 5},
+                           Row{"A?1/0:2", 2, NAN}, Row{"ROUND(2.345,1+1)+A", 2.35, 3.35},
+                           Row{"ROUND(-2.5)+A", -3, -2}, Row{"LN(10)*A", 0, std::log(10.0)},
+                           Row{"7/2-A", 3.5, 2.5}, Row{"(1<<40|1)-A", 1099511627777.0, 1099511627776.0},
+                           Row{"~(A?0:1)", -2, -1}, Row{"(A?2:3)**2", 9, 4}, Row{"ABS(A?0-1:2)", 2, 1}}) {
+        EXPECT_DOUBLE_EQ(with(row.formula, 0), row.atZero) << row.formula;
+        if (std::isnan(row.atOne))
+            EXPECT_THROW(with(row.formula, 1), RuntimeException) << row.formula;
+        else
+            EXPECT_DOUBLE_EQ(with(row.formula, 1), row.atOne) << row.formula;
+    }
+}
+
 TEST(Formula, OnlyTheChosenBranchIsEvaluated) {
     EXPECT_EQ(Integer("1?2:1/0"), 2);
     EXPECT_EQ(Integer("0?1/0:3"), 3);
