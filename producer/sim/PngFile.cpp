@@ -1,155 +1,141 @@
-#include "producer/sim/Bytes.h"
-#include "producer/sim/Inflate.h"
 #include "producer/sim/PictureFile.h"
 
+#include <png.h>
+
 #include <algorithm>
-#include <cstdlib>
+#include <csetjmp>
+#include <cstdio>
 #include <cstring>
+#include <memory>
 
 namespace zqgentl {
 
 namespace {
 
-constexpr size_t signatureSize = 8;
-constexpr size_t chunkOverhead = 12;
-
-struct Png {
-    uint64_t width = 0;
-    uint64_t height = 0;
-    uint32_t bits = 0;
-    uint32_t colour = 0;
-    std::vector<uint8_t> palette;
-    std::vector<uint8_t> packed;
+/// The bytes of a file on their way to libpng, and its words when it gives up.
+struct Source {
+    const uint8_t* next;
+    size_t left;
+    char error[120] = "libpng is not usable";
 };
 
-/// Values per pixel, by the type of colour.
-uint32_t ChannelsOf(const Png& png) {
-    switch (png.colour) {
-    case 0:
-    case 3:
-        return 1;
-    case 2:
-        return 3;
-    case 4:
-        return 2;
-    case 6:
-        return 4;
-    default:
-        RefusePicture("its type of colour is unknown");
+struct Header {
+    png_uint_32 width = 0;
+    png_uint_32 height = 0;
+    int colour = 0;
+    int interlace = 0;
+    png_colorp palette = nullptr;
+    int colours = 0;
+};
+
+[[noreturn]] void Jump(png_structp png, png_const_charp message) {
+    auto* source = static_cast<Source*>(png_get_error_ptr(png));
+    std::snprintf(source->error, sizeof source->error, "%s", message);
+    png_longjmp(png, 1);
+}
+
+void Silence(png_structp, png_const_charp) {}
+
+void Fetch(png_structp png, png_bytep target, png_size_t size) {
+    auto* source = static_cast<Source*>(png_get_io_ptr(png));
+    if (size > source->left)
+        png_error(png, "it ends too early");
+    std::memcpy(target, source->next, size);
+    source->next += size;
+    source->left -= size;
+}
+
+/// libpng reports by longjmp: nothing with a destructor may live in the frames of the next two. False on
+/// failure.
+bool ReadHeader(png_structp png, png_infop info, Source& source, Header& header) {
+    if (setjmp(png_jmpbuf(png)) != 0)
+        return false;
+    png_set_read_fn(png, &source, Fetch);
+    png_set_user_limits(png, pictureSideMax, pictureSideMax);
+    png_read_info(png, info);
+    int bits = 0;
+    png_get_IHDR(png, info, &header.width, &header.height, &bits, &header.colour, &header.interlace, nullptr,
+                 nullptr);
+    png_get_PLTE(png, info, &header.palette, &header.colours);
+    if (header.colour == PNG_COLOR_TYPE_PALETTE) {
+        png_set_packing(png); // indexes of a byte each, so that they can be checked
+    } else {
+        if (header.colour == PNG_COLOR_TYPE_GRAY)
+            png_set_expand_gray_1_2_4_to_8(png);
+        png_set_gray_to_rgb(png);
+        png_set_strip_alpha(png);
+        png_set_expand_16(png);
     }
+    png_read_update_info(png, info);
+    return true;
 }
 
-void ReadHeader(Png& png, const uint8_t* data, size_t size) {
-    if (size < 13)
-        RefusePicture("its header is too short");
-    png.width = LoadBytes(data, 4, ByteOrder::Big);
-    png.height = LoadBytes(data + 4, 4, ByteOrder::Big);
-    png.bits = data[8];
-    png.colour = data[9];
-    if (data[12] != 0)
-        RefusePicture("it is interlaced");
-    const bool small = png.bits == 1 || png.bits == 2 || png.bits == 4;
-    const bool single = png.colour == 0 || png.colour == 3;
-    if (!(png.bits == 8 || (png.bits == 16 && png.colour != 3) || (small && single)))
-        RefusePicture("its depth is unknown");
+bool ReadLine(png_structp png, png_bytep line) {
+    if (setjmp(png_jmpbuf(png)) != 0)
+        return false;
+    png_read_row(png, line, nullptr);
+    return true;
 }
 
-Png ReadChunks(const std::vector<uint8_t>& bytes) {
-    Png png;
-    size_t at = signatureSize;
-    while (bytes.size() - at >= chunkOverhead) {
-        const uint64_t size = LoadBytes(bytes.data() + at, 4, ByteOrder::Big);
-        const uint8_t* name = bytes.data() + at + 4;
-        const uint8_t* data = name + 4;
-        if (size > bytes.size() - at - chunkOverhead)
-            RefusePicture("it ends too early");
-        if (std::memcmp(name, "IHDR", 4) == 0)
-            ReadHeader(png, data, size);
-        else if (std::memcmp(name, "PLTE", 4) == 0)
-            png.palette.assign(data, data + size);
-        else if (std::memcmp(name, "IDAT", 4) == 0)
-            png.packed.insert(png.packed.end(), data, data + size);
-        at += chunkOverhead + size;
+/// A reader that goes when it is left, whichever way.
+class Reader {
+public:
+    explicit Reader(const std::vector<uint8_t>& bytes) : m_source{bytes.data(), bytes.size()} {
+        m_png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &m_source, Jump, Silence);
+        m_info = m_png == nullptr ? nullptr : png_create_info_struct(m_png);
+        Require(m_info != nullptr && ReadHeader(m_png, m_info, m_source, m_header));
     }
-    if (png.width == 0)
-        RefusePicture("it has no header");
-    return png;
-}
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+    ~Reader() { Close(); }
 
-uint8_t Paeth(int left, int above, int corner) {
-    const int guess = left + above - corner;
-    const int fromLeft = std::abs(guess - left);
-    const int fromAbove = std::abs(guess - above);
-    const int fromCorner = std::abs(guess - corner);
-    if (fromLeft <= fromAbove && fromLeft <= fromCorner)
-        return static_cast<uint8_t>(left);
-    return static_cast<uint8_t>(fromAbove <= fromCorner ? above : corner);
-}
+    [[nodiscard]] const Header& About() const noexcept { return m_header; }
+    [[nodiscard]] size_t LineSize() const { return png_get_rowbytes(m_png, m_info); }
+    void Next(std::vector<uint8_t>& line) { Require(ReadLine(m_png, line.data())); }
 
-/// Turns the differences of a line back into values; `above` is the line before it.
-void Unfilter(uint8_t kind, uint8_t* line, const uint8_t* above, size_t size, size_t step) {
-    for (size_t i = 0; i < size; ++i) {
-        const uint8_t left = i >= step ? line[i - step] : 0;
-        const uint8_t corner = i >= step ? above[i - step] : 0;
-        uint8_t guess = 0;
-        if (kind == 1)
-            guess = left;
-        else if (kind == 2)
-            guess = above[i];
-        else if (kind == 3)
-            guess = static_cast<uint8_t>((left + above[i]) / 2);
-        else if (kind == 4)
-            guess = Paeth(left, above[i], corner);
-        line[i] = static_cast<uint8_t>(line[i] + guess);
+private:
+    void Require(bool done) {
+        if (done)
+            return;
+        Close();
+        RefusePicture(m_source.error);
     }
-}
+    void Close() noexcept { png_destroy_read_struct(&m_png, &m_info, nullptr); }
 
-/// A value of a line, without a change of its depth.
-uint32_t Sample(const uint8_t* line, size_t index, uint32_t bits) {
-    if (bits == 16)
-        return static_cast<uint32_t>(LoadBytes(line + 2 * index, 2, ByteOrder::Big));
-    if (bits == 8)
-        return line[index];
-    const size_t perByte = 8 / bits;
-    const uint32_t shift = static_cast<uint32_t>(8 - bits - (index % perByte) * bits);
-    return (uint32_t{line[index / perByte]} >> shift) & ((1U << bits) - 1);
-}
+    Source m_source;
+    Header m_header;
+    png_structp m_png = nullptr;
+    png_infop m_info = nullptr;
+};
 
-void PutLine(const Png& png, PictureFile& picture, size_t row, const uint8_t* line) {
-    const uint32_t channels = ChannelsOf(png);
-    const uint32_t highest = (1U << png.bits) - 1;
-    std::vector<uint16_t>* planes[] = {&picture.red, &picture.green, &picture.blue};
-    for (size_t x = 0; x < picture.width; ++x) {
-        for (size_t colour = 0; colour < 3; ++colour) {
-            const size_t channel = channels >= 3 ? colour : 0;
-            uint32_t value = Sample(line, x * channels + channel, png.bits);
-            if (png.colour == 3) {
-                if (3 * value + colour >= png.palette.size())
-                    RefusePicture("a colour is not in its palette");
-                value = png.palette[3 * value + colour] * 257U;
-            } else {
-                value = value * 65535U / highest;
-            }
-            (*planes[colour])[row * picture.width + x] = static_cast<uint16_t>(value);
-        }
+uint16_t ColourAt(const Header& header, const std::vector<uint8_t>& line, size_t x, size_t colour) {
+    if (header.colour != PNG_COLOR_TYPE_PALETTE) {
+        const uint8_t* sample = &line[6 * x + 2 * colour];
+        return static_cast<uint16_t>(sample[0] << 8 | sample[1]);
     }
+    if (line[x] >= header.colours)
+        RefusePicture("a colour is not in its palette");
+    const png_color& entry = header.palette[line[x]];
+    const png_byte levels[] = {entry.red, entry.green, entry.blue};
+    return static_cast<uint16_t>(levels[colour] * 257);
 }
 
 } // namespace
 
 PictureFile DecodePng(const std::vector<uint8_t>& bytes) {
-    const Png png = ReadChunks(bytes);
-    PictureFile picture = MakePicture(png.width, png.height);
-    const size_t pixelBits = size_t{png.bits} * ChannelsOf(png);
-    const size_t lineSize = (picture.width * pixelBits + 7) / 8;
-    const size_t step = std::max<size_t>(1, pixelBits / 8);
-    std::vector<uint8_t> lines =
-        Inflate(png.packed.data(), png.packed.size(), (lineSize + 1) * picture.height);
-    const std::vector<uint8_t> blank(lineSize, 0);
-    for (size_t row = 0; row < picture.height; ++row) {
-        uint8_t* line = lines.data() + row * (lineSize + 1) + 1;
-        Unfilter(line[-1], line, row == 0 ? blank.data() : line - lineSize - 1, lineSize, step);
-        PutLine(png, picture, row, line);
+    Reader reader(bytes);
+    const Header& header = reader.About();
+    if (header.interlace != PNG_INTERLACE_NONE)
+        RefusePicture("it is interlaced");
+    PictureFile picture = MakePicture(header.width, header.height);
+    std::vector<uint8_t> line(reader.LineSize());
+    std::vector<uint16_t>* planes[] = {&picture.red, &picture.green, &picture.blue};
+    for (size_t start = 0; start < picture.red.size(); start += picture.width) {
+        reader.Next(line);
+        for (size_t x = 0; x < picture.width; ++x) {
+            for (size_t colour = 0; colour < 3; ++colour)
+                (*planes[colour])[start + x] = ColourAt(header, line, x, colour);
+        }
     }
     return picture;
 }

@@ -2,7 +2,6 @@
 
 #include "Hex.h"
 #include "producer/sim/Failure.h"
-#include "producer/sim/Inflate.h"
 #include "producer/sim/PictureFolder.h"
 #include "producer/sim/Scene.h"
 
@@ -20,15 +19,15 @@ std::vector<uint8_t> Bytes(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
-std::string Unpack(const std::string& hex, size_t size) {
-    const std::vector<uint8_t> packed = FromHex(hex);
-    const std::vector<uint8_t> bytes = Inflate(packed.data(), packed.size(), size);
-    return {bytes.begin(), bytes.end()};
-}
-
 const char* const rgbPng =
     "89504e470d0a1a0a0000000d4948445200000002000000020802000000fdd49a73000000164944415478da63"
     "f8cfc0c0f09f818991e1ff7f86ff001e0404ff4e509ec70000000049454e44ae426082";
+
+const char* const packedTiff =
+    "49492a001800000078da63646266616563e70000008000250900000103000100000004000000010103000100"
+    "0000020000000201030001000000080000000301030001000000080000000601030001000000010000001101"
+    "0400010000000800000015010300010000000100000016010300010000000200000017010400010000001000"
+    "000000000000";
 
 /// A folder of its own that goes with the test.
 class Folder : public testing::Test {
@@ -48,30 +47,6 @@ protected:
 };
 
 } // namespace
-
-TEST(Unpacking, OfEveryKindOfBlock) {
-    std::string text;
-    for (int i = 0; i < 9; ++i)
-        text += "the quick brown fox jumps over the lazy dog; ";
-    for (int i = 0; i < 200; ++i)
-        text += static_cast<char>('a' + i * i % 26);
-    EXPECT_EQ(
-        Unpack("78daedcacb0d80201045d1565e1f5603327e4018194190ea35f6e082c4e5cdb96921c4bc8e0e5ab8044c5c61"
-               "b3df0ff04982f4f0a6da05c3f3f0d63f7f3f2b4d363657bd29c281a5185f5d8b96745f720351f4e881",
-               text.size()),
-        text);
-    EXPECT_EQ(Unpack("78014b4c8481a44404130060000859", 22), "aaaaaaaaaabaaaaaaaaaab");
-    EXPECT_EQ(Unpack("7801010600f9ff73746f726564093c0292", 6), "stored");
-}
-
-TEST(Unpacking, RefusesWhatIsBroken) {
-    const std::string good = "7801010600f9ff73746f726564093c0292";
-    EXPECT_THROW(Unpack(good, 5), Failure);
-    EXPECT_THROW(Unpack(good, 7), Failure);
-    EXPECT_THROW(Unpack("7801", 6), Failure);
-    EXPECT_THROW(Unpack("780107", 6), Failure);
-    EXPECT_THROW(Unpack("00000000", 6), Failure);
-}
 
 TEST(PictureFiles, PngInColour) {
     const PictureFile picture = DecodePicture(FromHex(rgbPng));
@@ -121,6 +96,34 @@ TEST(PictureFiles, Tiff) {
     EXPECT_EQ(inverted.red, (Values{65534, 0}));
 }
 
+TEST(PictureFiles, PngWithAlphaShowsItsColours) {
+    const PictureFile colour = DecodePicture(
+        FromHex("89504e470d0a1a0a0000000d49484452000000010000000110060000004f8518ca000000114944415478da63"
+                "60646266616563600000006b0016b38eaf9d0000000049454e44ae426082"));
+    EXPECT_EQ(colour.red, Values{0x0102});
+    EXPECT_EQ(colour.blue, Values{0x0506});
+    const PictureFile grey = DecodePicture(
+        FromHex("89504e470d0a1a0a0000000d49484452000000020000000108040000005e2bb7010000000d4944415478da63"
+                "e0fccfc1000003360111128917830000000049454e44ae426082"));
+    EXPECT_EQ(grey.green, (Values{9 * 257, 8 * 257}));
+}
+
+TEST(PictureFiles, PngOf2Bits) {
+    const PictureFile picture = DecodePicture(
+        FromHex("89504e470d0a1a0a0000000d494844520000000400000001020000000096e748b00000000a4944415478da63"
+                "900600001d001c237c8fac0000000049454e44ae426082"));
+    EXPECT_EQ(picture.green, (Values{0, 21845, 43690, 65535}));
+}
+
+TEST(PictureFiles, PackedTiff) {
+    EXPECT_EQ(DecodePicture(FromHex(packedTiff)).red, (Values{257, 514, 771, 1028, 1285, 1542, 1799, 2056}));
+    const PictureFile runs = DecodePicture(
+        FromHex("49492a0010000000fd05030102030400090000010300010000000400000001010300010000000200000002010300"
+                "010000000800000003010300010000000580000006010300010000000100000011010400010000000800000015"
+                "010300010000000100000016010300010000000200000017010400010000000700000000000000"));
+    EXPECT_EQ(runs.blue, (Values{1285, 1285, 1285, 1285, 257, 514, 771, 1028}));
+}
+
 TEST(PictureFiles, Pnm) {
     EXPECT_EQ(DecodePicture(Bytes("P5 # grey\n2 1\n100\n\x32\x64")).red, (Values{32767, 65535}));
     const PictureFile picture = DecodePicture(Bytes(std::string("P6\n1 1\n65535\n\0\1\0\2\0\3", 19)));
@@ -137,6 +140,42 @@ TEST(PictureFiles, ThatAreBrokenAreRefused) {
     EXPECT_THROW(DecodePicture(Bytes("P5 99999 2 255\nabc")), Failure);
     EXPECT_THROW(DecodePicture(Bytes(std::string("II*\0\xFF\xFF\xFF\xFF", 8))), Failure);
     EXPECT_THROW(DecodePicture(Bytes("GIF89a")), Failure);
+}
+
+TEST(PictureFiles, OfKindsThatAreNotReadAreRefused) {
+    const char* const interlaced =
+        "89504e470d0a1a0a0000000d49484452000000010000000108000000014d79abc30000000a4944415478da6360070000"
+        "0900088dabb9010000000049454e44ae426082";
+    const char* const colourBeyondPalette =
+        "89504e470d0a1a0a0000000d4948445200000002000000010803000000c3fc8fb800000009504c544501020301020301"
+        "0203ee0196470000000b4944415478da6360600600000600048bf198fd0000000049454e44ae426082";
+    for (const char* hex : {interlaced, colourBeyondPalette})
+        EXPECT_THROW(DecodePicture(FromHex(hex)), Failure) << hex;
+    std::vector<uint8_t> tiff = FromHex(packedTiff);
+    tiff[24 + 2 + 3 * 12 + 8] = 7; // packed as JPEG
+    EXPECT_THROW(DecodePicture(tiff), Failure);
+}
+
+/// Whatever stands in a file, it is a picture or it is refused; no picture is larger than the files say.
+TEST(PictureFiles, WithAnyByteChangedNeverBreakTheReader) {
+    for (const char* hex : {rgbPng, packedTiff}) {
+        const std::vector<uint8_t> good = FromHex(hex);
+        size_t refused = 0;
+        for (size_t i = 0; i < good.size(); ++i) {
+            for (const int change : {0x01, 0x80, 0xFF}) {
+                std::vector<uint8_t> bad = good;
+                bad[i] = static_cast<uint8_t>(bad[i] ^ change);
+                try {
+                    const PictureFile picture = DecodePicture(bad);
+                    EXPECT_EQ(picture.red.size(), size_t{picture.width} * picture.height);
+                } catch (const Failure& failure) {
+                    EXPECT_EQ(failure.Code(), GenTL::GC_ERR_INVALID_VALUE);
+                    ++refused;
+                }
+            }
+        }
+        EXPECT_GT(refused, good.size());
+    }
 }
 
 TEST_F(Folder, ShowsItsPicturesInTheOrderOfTheirNames) {
