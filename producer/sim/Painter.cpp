@@ -9,11 +9,15 @@ namespace zqgentl {
 
 namespace {
 
-/// A tone curve has 16 bits; values of fewer are looked up by their share of the range.
-void ApplyTone(const std::vector<uint16_t>& curve, uint32_t bits, uint16_t* values, size_t count) {
+/// A value of fewer bits as the same share of 16: the highest stays the highest.
+uint32_t Widen(uint32_t value, uint32_t bits) {
     const uint32_t shift = 16 - bits;
+    return bits >= 8 ? value << shift | value >> (bits - shift) : value * 65535 / ((1U << bits) - 1);
+}
+
+void ApplyTone(const std::vector<uint16_t>& curve, uint32_t bits, uint16_t* values, size_t count) {
     for (size_t i = 0; i < count; ++i)
-        values[i] = static_cast<uint16_t>(curve[uint32_t{values[i]} << shift] >> shift);
+        values[i] = static_cast<uint16_t>(curve[Widen(values[i], bits)] >> (16 - bits));
 }
 
 bool IsSingleByte(const PixelFormat& format) {

@@ -188,3 +188,18 @@ TEST(Picture, OnlyGigEVisionHasItsOwnFormats) {
     EXPECT_STREQ(FindPixelFormat(Technology::GigEVision, 0x010C0006)->name, "Mono12Packed");
     EXPECT_EQ(FindPixelFormat(Technology::GigEVision, 0x01080002), nullptr);
 }
+
+TEST(Picture, ToneKeepsBlackAndWhiteWhateverTheDepth) {
+    ToneSettings settings;
+    settings.gamma = 4;
+    const ToneCurve tone = MakeToneCurve(settings);
+    for (const char* name : {"Mono1p", "Mono2p", "Mono4p", "Mono8", "Mono10p", "Mono12Packed", "Mono16"}) {
+        for (const TestPattern pattern : {TestPattern::Black, TestPattern::White}) {
+            const PixelFormat& format = Format(name);
+            const std::vector<uint8_t> plain = Draw(SceneOf(pattern), name);
+            std::vector<uint8_t> image(plain.size());
+            Painter().Draw(SceneOf(pattern), format, tone, 0, image.data(), image.size());
+            EXPECT_EQ(image, plain) << name;
+        }
+    }
+}

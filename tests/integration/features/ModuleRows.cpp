@@ -1,0 +1,111 @@
+#include "Row.h"
+
+#include <cstring>
+
+using namespace GenTL;
+
+namespace {
+
+std::string IdAt(Rig& rig, bool device, int64_t index) {
+    char id[256] = "";
+    size_t size = sizeof id;
+    const auto number = static_cast<uint32_t>(index);
+    const GC_ERROR result = device ? rig.gentl.IFGetDeviceID(rig.interface, number, id, &size)
+                                   : rig.gentl.TLGetInterfaceID(rig.system, number, id, &size);
+    return result == GC_ERR_SUCCESS ? id : "none";
+}
+
+void UpdateBoth(Rig& rig) {
+    rig.Do(Module::System, "InterfaceUpdateList");
+    rig.Do(Module::Interface, "DeviceUpdateList");
+}
+
+/// A camera that waits for actions with the keys 1, 1 and the mask 1.
+void AwaitAction(Rig& rig) {
+    rig.SmallAndFast();
+    for (const char* key : {"ActionDeviceKey", "ActionGroupKey", "ActionGroupMask"}) {
+        rig.Set(key, 1);
+        rig.Set(Module::Interface, key, 1);
+    }
+    rig.Set("TriggerMode", "On");
+    rig.Set("TriggerSource", "Action0");
+    rig.Begin();
+}
+
+/// The camera follows the command if its own key is the one that was written, else it doesn't.
+template <bool Any>
+void SeeKey(Rig& rig, const Written& v, const char* key) {
+    rig.Do(Module::Interface, "ActionCommand");
+    EXPECT_EQ(rig.Nothing(), Any ? (v.whole & 1) == 0 : v.whole != 1);
+    rig.Set(key, Any && v.whole == 0 ? 1 : v.whole);
+    rig.Do(Module::Interface, "ActionCommand");
+    EXPECT_EQ(rig.Nothing(), Any && v.whole == 0);
+}
+
+void SeeHandling(Rig& rig, const Written& v) {
+    rig.Begin(3);
+    ASSERT_TRUE(
+        Soon([&] { return rig.Get(Module::Stream, "StreamStartedFrameCount") >= 12 || v.whole == 0; }));
+    ASSERT_TRUE(Soon([&] { return rig.Get(Module::Stream, "StreamOutputBufferCount") > 0; }));
+    if (v.whole == 0) {
+        ASSERT_TRUE(Soon([&] { return rig.Get(Module::Stream, "StreamOutputBufferCount") == 3; }));
+        EXPECT_EQ(rig.Next()->id, 0U);
+    } else if (v.whole == 1) {
+        EXPECT_GT(rig.Next()->id, 0U);
+    } else {
+        EXPECT_EQ(rig.Get(Module::Stream, "StreamOutputBufferCount"), 1);
+    }
+}
+
+} // namespace
+
+Rows ModuleRows() {
+    return {
+        {Module::System, "InterfaceUpdateList", Seen::Register, "the interfaces are in the list", Nothing,
+         [](Rig& rig, const Written&) {
+             EXPECT_EQ(rig.As<GenApi::IInteger>(Module::System, "InterfaceSelector").GetMax(), 2);
+             EXPECT_EQ(IdAt(rig, false, 2), "ZQ-CXP-0");
+         }},
+        {Module::System, "InterfaceSelector", Seen::Register, "InterfaceID is that of the interface",
+         UpdateBoth,
+         [](Rig& rig, const Written& v) {
+             EXPECT_EQ(rig.Text(Module::System, "InterfaceID"), IdAt(rig, false, v.whole));
+         }},
+        {Module::Interface, "DeviceUpdateList", Seen::Register, "the devices are in the list", Nothing,
+         [](Rig& rig, const Written&) {
+             EXPECT_EQ(rig.As<GenApi::IInteger>(Module::Interface, "DeviceSelector").GetMax(), 2);
+             EXPECT_NE(IdAt(rig, true, 2), "none");
+         }},
+        {Module::Interface, "DeviceSelector", Seen::Register, "DeviceID is that of the device", UpdateBoth,
+         [](Rig& rig, const Written& v) {
+             EXPECT_EQ(rig.Text(Module::Interface, "DeviceID"), IdAt(rig, true, v.whole));
+         }},
+        {Module::Interface, "GevInterfaceGatewaySelector", Seen::Own, "there is one gateway", Nothing,
+         nullptr},
+        {Module::Interface, "GevInterfaceSubnetSelector", Seen::Own, "there is one subnet", Nothing, nullptr},
+        {Module::Interface, "ActionDeviceKey", Seen::Frames, "cameras with this key are triggered",
+         AwaitAction, [](Rig& rig, const Written& v) { SeeKey<false>(rig, v, "ActionDeviceKey"); }},
+        {Module::Interface, "ActionGroupKey", Seen::Frames, "cameras with this key are triggered",
+         AwaitAction, [](Rig& rig, const Written& v) { SeeKey<false>(rig, v, "ActionGroupKey"); }},
+        {Module::Interface, "ActionGroupMask", Seen::Frames, "cameras with one of its bits are triggered",
+         AwaitAction, [](Rig& rig, const Written& v) { SeeKey<true>(rig, v, "ActionGroupMask"); }},
+        {Module::Interface, "ActionCommand", Seen::Frames, "the camera is triggered", AwaitAction,
+         [](Rig& rig, const Written&) { EXPECT_TRUE(rig.Next()); }},
+        {Module::Device, "StreamSelector", Seen::Register, "StreamID is that of the stream", Nothing,
+         [](Rig& rig, const Written&) { EXPECT_EQ(rig.Text(Module::Device, "StreamID"), "Stream0"); }},
+        {Module::Device, "EventSelector", Seen::Own, "there is one event", Nothing, nullptr},
+        {Module::Device, "EventNotification", Seen::Event, "the event comes",
+         [](Rig& rig) { rig.Listen(Module::Device, EVENT_MODULE); },
+         [](Rig& rig, const Written& v) {
+             rig.Do("SimulationDeviceLost");
+             EXPECT_EQ(rig.NextEvent(v.whole != 0 ? 5000 : 0), v.whole != 0 ? "9001" : "");
+             if (v.whole != 0) {
+                 EXPECT_GT(rig.Get(Module::Device, "EventDeviceLostTimestamp"), 0);
+             }
+         }},
+        {Module::Device, "DeviceEndianessMechanism", Seen::Own, "registers are big endian by either", Nothing,
+         nullptr},
+        {Module::Stream, "StreamBufferHandlingMode", Seen::Frames, "which of the frames are delivered",
+         [](Rig& rig) { rig.SetReal("AcquisitionFrameRate", 500); }, SeeHandling},
+    };
+}
