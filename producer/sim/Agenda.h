@@ -15,8 +15,8 @@ namespace zqgentl {
 class Agenda {
 public:
     using Clock = std::chrono::steady_clock;
-    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0 };
-    static constexpr size_t jobCount = 4;
+    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0, Timer1 };
+    static constexpr size_t jobCount = 5;
 
     Agenda() = default;
     Agenda(const Agenda&) = delete;

@@ -49,8 +49,8 @@ void Camera::PowerOn(CameraListener& listener) {
     {
         std::lock_guard<std::mutex> guard(m_lock);
         m_settings = StoredSet(m_startupSet);
-        m_counter = 0;
-        m_timerActive = false;
+        m_counters = {};
+        m_timersActive = {};
         m_files.CloseAll();
         m_portFaults = false;
         ++m_revision;
@@ -170,7 +170,9 @@ void Camera::TakePlan(FrameTicket& ticket) const {
     ticket.plan.exposureTimeUs = m_settings.exposureTimeUs;
     ticket.plan.gainDb = m_settings.tone.gainDb;
     ticket.plan.lineStatusWanted = (ticket.plan.chunks.Mask() & MaskOf(Chunk::LineStatusAll)) != 0;
-    ticket.plan.signals = m_settings.counter.source != 0 || m_settings.timer.source != 0;
+    ticket.plan.signals = false;
+    for (size_t i = 0; i < counterCount; ++i)
+        ticket.plan.signals |= m_settings.counters[i].source != 0 || m_settings.timers[i].source != 0;
     ticket.plan.paced = m_settings.frameRateEnable != 0;
     ticket.plan.exposure = std::chrono::nanoseconds(static_cast<int64_t>(m_settings.exposureTimeUs * 1e3));
     ticket.plan.triggered = m_settings.triggerMode != 0;

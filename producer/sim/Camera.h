@@ -122,6 +122,7 @@ public:
     /// The simulation puts a level on an input.
     void DriveLine(size_t line, bool level);
     [[nodiscard]] uint32_t LineStatus() const;
+    /// Of the counter and of the timer that are selected.
     [[nodiscard]] int64_t CounterValue() const;
     void ResetCounter();
     void StartTimer();
@@ -168,9 +169,11 @@ private:
     void PlanParts(FramePlan& plan) const;
     [[nodiscard]] uint32_t LineStatusLocked() const;
     [[nodiscard]] CameraSettings StoredSet(int64_t set) const;
-    void Count();
-    void EndTimer();
-    void TimerStarted();
+    void Count(size_t counter);
+    void StartTimer(size_t timer);
+    void TimerStarted(size_t timer);
+    void EndTimer(size_t timer);
+    void StartTimersOn(Signal signal);
     void NotifyChanged();
     template <class Call>
     void Tell(Call call);
@@ -200,8 +203,8 @@ private:
     std::atomic<bool> m_lost{false};
     std::array<CameraSettings, userSetCount - 1> m_userSets;
     int64_t m_startupSet = 0;
-    int64_t m_counter = 0;
-    bool m_timerActive = false;
+    std::array<int64_t, counterCount> m_counters{};
+    std::array<bool, counterCount> m_timersActive{};
     mutable ToneSettings m_toneMade; // what the curve was made from
     mutable ToneCurve m_tone;
     DeviceFiles m_files;

@@ -6,8 +6,8 @@ namespace zqgentl {
 
 namespace {
 
-constexpr uint16_t eventIds[eventKindCount] = {0x9C40, 0x9C41, 0x9C42, 0x4FFF, 0x9C43,
-                                               0x9C50, 0x9C51, 0x9C60, 0x9C70};
+constexpr uint16_t eventIds[eventKindCount] = {0x9C40, 0x9C41, 0x9C42, 0x4FFF, 0x9C43, 0x9C50,
+                                               0x9C51, 0x9C60, 0x9C70, 0x9C61, 0x9C71};
 
 constexpr size_t gvcpHeaderSize = 8;
 constexpr size_t gvcpItemSize = 16;

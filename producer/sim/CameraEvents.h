@@ -18,8 +18,10 @@ enum class EventKind : uint32_t {
     Line0FallingEdge,
     Counter0End,
     Timer0End,
+    Counter1End,
+    Timer1End,
 };
-constexpr uint32_t eventKindCount = 9;
+constexpr uint32_t eventKindCount = 11;
 
 /// A set of events, one bit each.
 using EventMask = uint32_t;

@@ -21,8 +21,17 @@ enum class AcquisitionMode : int64_t { SingleFrame = 1, MultiFrame = 2, Continuo
 enum class AutoMode : int64_t { Off = 0, Once = 1, Continuous = 2 };
 
 /// What starts a frame, numbered as the enumeration TriggerSource numbers them.
-enum class TriggerSource : int64_t { Software, Line0, Line1, Counter0End, Timer0End, Action0 };
-constexpr int64_t triggerSourceCount = 6;
+enum class TriggerSource : int64_t {
+    Software,
+    Line0,
+    Line1,
+    Counter0End,
+    Timer0End,
+    Action0,
+    Counter1End,
+    Timer1End,
+};
+constexpr int64_t triggerSourceCount = 8;
 enum class TriggerActivation : int64_t { RisingEdge, FallingEdge, AnyEdge };
 
 /// What the registers of a camera set, with the values after power-up.
@@ -54,8 +63,10 @@ struct CameraSettings {
     int64_t lutIndex = 0;
 
     LineSettings lines;
-    CounterSettings counter;
-    TimerSettings timer;
+    int64_t counterSelector = 0;
+    std::array<CounterSettings, counterCount> counters;
+    int64_t timerSelector = 0;
+    std::array<TimerSettings, counterCount> timers;
 
     int64_t userSetSelector = 0;
     int64_t actionDeviceKey = 0;

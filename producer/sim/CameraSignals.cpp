@@ -1,4 +1,4 @@
-// What a camera does with its lines, its counter, its timer and action commands.
+// What a camera does with its lines, counters, timers and action commands.
 
 #include "producer/sim/Camera.h"
 
@@ -13,6 +13,24 @@ uint64_t Now() {
 std::chrono::nanoseconds Microseconds(double time) {
     return std::chrono::nanoseconds(static_cast<int64_t>(time * 1e3));
 }
+
+/// What the end of a counter or of a timer of one number is to the rest of the camera.
+struct Ends {
+    EventKind counterEvent;
+    TriggerSource counterTrigger;
+    Signal counter;
+    EventKind timerEvent;
+    TriggerSource timerTrigger;
+    Signal timer;
+    Agenda::Job job;
+};
+
+constexpr Ends endsOf[counterCount] = {
+    {EventKind::Counter0End, TriggerSource::Counter0End, Signal::Counter0End, EventKind::Timer0End,
+     TriggerSource::Timer0End, Signal::Timer0End, Agenda::Job::Timer0},
+    {EventKind::Counter1End, TriggerSource::Counter1End, Signal::Counter1End, EventKind::Timer1End,
+     TriggerSource::Timer1End, Signal::Timer1End, Agenda::Job::Timer1},
+};
 
 bool Activates(int64_t activation, bool level) {
     switch (static_cast<TriggerActivation>(activation)) {
@@ -30,10 +48,19 @@ bool Activates(int64_t activation, bool level) {
 
 void Camera::Happen(Signal signal) {
     const CameraSettings settings = Settings();
-    if (settings.counter.source == static_cast<int64_t>(signal))
-        Count();
-    if (settings.timer.source == static_cast<int64_t>(signal))
-        StartTimer();
+    for (size_t i = 0; i < counterCount; ++i) {
+        if (settings.counters[i].source == static_cast<int64_t>(signal))
+            Count(i);
+    }
+    StartTimersOn(signal);
+}
+
+void Camera::StartTimersOn(Signal signal) {
+    const CameraSettings settings = Settings();
+    for (size_t i = 0; i < counterCount; ++i) {
+        if (settings.timers[i].source == static_cast<int64_t>(signal))
+            StartTimer(i);
+    }
 }
 
 void Camera::DriveLine(size_t line, bool level) {
@@ -72,10 +99,16 @@ uint32_t Camera::LineStatusLocked() const {
             level = (lines.userOutputs & 2) != 0;
             break;
         case LineSource::Timer0Active:
-            level = m_timerActive;
+            level = m_timersActive[0];
             break;
         case LineSource::Counter0Active:
-            level = m_counter > 0;
+            level = m_counters[0] > 0;
+            break;
+        case LineSource::Timer1Active:
+            level = m_timersActive[1];
+            break;
+        case LineSource::Counter1Active:
+            level = m_counters[1] > 0;
             break;
         }
         status |= uint32_t{level} << line;
@@ -90,55 +123,61 @@ uint32_t Camera::LineStatus() const {
 
 int64_t Camera::CounterValue() const {
     std::lock_guard<std::mutex> guard(m_lock);
-    return m_counter;
+    return m_counters[static_cast<size_t>(m_settings.counterSelector)];
 }
 
 void Camera::ResetCounter() {
     std::lock_guard<std::mutex> guard(m_lock);
-    m_counter = 0;
+    m_counters[static_cast<size_t>(m_settings.counterSelector)] = 0;
 }
 
-void Camera::Count() {
+void Camera::Count(size_t counter) {
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        if (++m_counter < m_settings.counter.duration)
+        if (++m_counters[counter] < m_settings.counters[counter].duration)
             return;
-        m_counter = 0;
+        m_counters[counter] = 0;
     }
-    Send({EventKind::Counter0End, 0, Now(), 0});
-    Trigger(TriggerSource::Counter0End);
-    // A timer may follow the counter; the counter can't be set to count its own ends.
-    if (Settings().timer.source == static_cast<int64_t>(Signal::Counter0End))
-        StartTimer();
+    const Ends& ends = endsOf[counter];
+    Send({ends.counterEvent, 0, Now(), 0});
+    Trigger(ends.counterTrigger);
+    // Timers may follow a counter; no counter can be set to count what counters do.
+    StartTimersOn(ends.counter);
 }
 
 void Camera::StartTimer() {
-    m_agenda.After(Microseconds(Settings().timer.delayUs), Agenda::Job::Timer0, [this] { TimerStarted(); });
+    StartTimer(static_cast<size_t>(Settings().timerSelector));
 }
 
-void Camera::TimerStarted() {
+void Camera::StartTimer(size_t timer) {
+    m_agenda.After(Microseconds(Settings().timers[timer].delayUs), endsOf[timer].job,
+                   [this, timer] { TimerStarted(timer); });
+}
+
+void Camera::TimerStarted(size_t timer) {
     std::chrono::nanoseconds duration;
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        m_timerActive = true;
-        duration = Microseconds(m_settings.timer.durationUs);
+        m_timersActive[timer] = true;
+        duration = Microseconds(m_settings.timers[timer].durationUs);
     }
-    m_agenda.After(duration, Agenda::Job::Timer0, [this] { EndTimer(); });
+    m_agenda.After(duration, endsOf[timer].job, [this, timer] { EndTimer(timer); });
 }
 
-void Camera::EndTimer() {
+void Camera::EndTimer(size_t timer) {
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        m_timerActive = false;
+        m_timersActive[timer] = false;
     }
-    Send({EventKind::Timer0End, 0, Now(), 0});
-    Trigger(TriggerSource::Timer0End);
-    Happen(Signal::Timer0End);
+    const Ends& ends = endsOf[timer];
+    Send({ends.timerEvent, 0, Now(), 0});
+    Trigger(ends.timerTrigger);
+    Happen(ends.timer);
 }
 
 bool Camera::TimerActive() const {
     std::lock_guard<std::mutex> guard(m_lock);
-    return m_timerActive;
+    return m_timersActive[static_cast<size_t>(m_settings.timerSelector)];
 }
 
 void Camera::Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask) {

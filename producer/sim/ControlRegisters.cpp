@@ -1,4 +1,4 @@
-// Registers of lines, counter, timer, user sets and actions.
+// Registers of lines, counters, timers, user sets and actions.
 
 #include "producer/sim/CameraRegisters.h"
 
@@ -10,6 +10,9 @@ constexpr RegisterKind Integer = RegisterKind::Integer;
 constexpr RegisterKind Float = RegisterKind::Float;
 
 using L = LineSettings;
+
+constexpr int64_t lastSignal = signalCount - 1;
+constexpr int64_t lastCounter = counterCount - 1;
 
 bool IsOutput(int64_t line) {
     return line >= static_cast<int64_t>(inputCount);
@@ -29,7 +32,7 @@ RegisterValue GetLineSource(const Camera& camera) {
 }
 
 void SetLineSource(Camera& camera, const RegisterValue& value) {
-    CheckRange("LineSource", Whole(value), 0, static_cast<int64_t>(LineSource::Counter0Active));
+    CheckRange("LineSource", Whole(value), 0, static_cast<int64_t>(LineSource::Counter1Active));
     camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) {
         if (!IsOutput(settings.lines.selector))
             throw Failure(GenTL::GC_ERR_ACCESS_DENIED, "the line is an input");
@@ -65,18 +68,48 @@ void SetInput(Camera& camera, const RegisterValue& value) {
     camera.DriveLine(Line, Whole(value) != 0);
 }
 
-/// The counter listens to everything but its own end.
+/// A number of the counter or of the timer that a selector names.
+template <auto Parts, auto Selector, auto Member>
+RegisterValue GetOf(const Camera& camera) {
+    const CameraSettings settings = camera.Settings();
+    return Value((settings.*Parts)[static_cast<size_t>(settings.*Selector)].*Member);
+}
+
+template <auto Parts, auto Selector, auto Member, class Number>
+void SetOf(Camera& camera, Number number) {
+    camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) {
+        (settings.*Parts)[static_cast<size_t>(settings.*Selector)].*Member = number;
+    });
+}
+
+template <auto Member>
+constexpr auto GetCounter = GetOf<&S::counters, &S::counterSelector, Member>;
+template <auto Member>
+constexpr auto GetTimer = GetOf<&S::timers, &S::timerSelector, Member>;
+
+/// Counters listen to everything but the ends of counters: two could count each other's without an end.
 void SetCounterSource(Camera& camera, const RegisterValue& value) {
-    CheckRange("CounterEventSource", Whole(value), 0, static_cast<int64_t>(Signal::Timer0End));
-    camera.Apply(Camera::Lockable::No,
-                 [&](CameraSettings& settings) { settings.counter.source = Whole(value); });
+    CheckRange("CounterEventSource", Whole(value), 0, lastSignal);
+    const auto signal = static_cast<Signal>(Whole(value));
+    if (signal == Signal::Counter0End || signal == Signal::Counter1End)
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "a counter can't count the ends of counters");
+    SetOf<&S::counters, &S::counterSelector, &CounterSettings::source>(camera, Whole(value));
+}
+
+void SetCounterDuration(Camera& camera, const RegisterValue& value) {
+    CheckRange("CounterDuration", Whole(value), 1, counterMax);
+    SetOf<&S::counters, &S::counterSelector, &CounterSettings::duration>(camera, Whole(value));
+}
+
+void SetTimerSource(Camera& camera, const RegisterValue& value) {
+    CheckRange("TimerTriggerSource", Whole(value), 0, lastSignal);
+    SetOf<&S::timers, &S::timerSelector, &TimerSettings::source>(camera, Whole(value));
 }
 
 template <auto Member, int64_t Min>
 void SetTimerTime(Camera& camera, const RegisterValue& value) {
     CheckRange("the time", std::get<double>(value), double{Min}, timerMaxUs);
-    camera.Apply(Camera::Lockable::No,
-                 [&](CameraSettings& settings) { settings.timer.*Member = std::get<double>(value); });
+    SetOf<&S::timers, &S::timerSelector, Member>(camera, std::get<double>(value));
 }
 
 void ResetCounter(Camera& camera) {
@@ -97,11 +130,8 @@ void SaveUserSet(Camera& camera) {
 
 constexpr int64_t lastLine = lineCount - 1;
 constexpr int64_t lastUserOutput = userOutputCount - 1;
-constexpr int64_t lastSignal = signalCount - 1;
 constexpr int64_t lastUserSet = userSetCount - 1;
 constexpr auto Lines = &S::lines;
-constexpr auto Counter = &S::counter;
-constexpr auto Timer = &S::timer;
 
 constexpr RegisterRow<Camera> rows[] = {
     {0x0B00, 4, Integer, GetIn<Lines, &L::selector>, SetIn<Lines, &L::selector, 0, lastLine>},
@@ -117,19 +147,16 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x0760, 4, Integer, GetInput<0>, SetInput<0>},
     {0x0764, 4, Integer, GetInput<1>, SetInput<1>},
 
-    {0x0C00, 4, Integer, [](const Camera&) { return Value(int64_t{0}); }, SetNothing<0>},
-    {0x0C04, 4, Integer, GetIn<Counter, &CounterSettings::source>, SetCounterSource},
-    {0x0C08, 4, Integer, GetIn<Counter, &CounterSettings::duration>,
-     SetIn<Counter, &CounterSettings::duration, 1, counterMax>},
+    {0x0C00, 4, Integer, Get<&S::counterSelector>, SetWhole<&S::counterSelector, 0, lastCounter>},
+    {0x0C04, 4, Integer, GetCounter<&CounterSettings::source>, SetCounterSource},
+    {0x0C08, 4, Integer, GetCounter<&CounterSettings::duration>, SetCounterDuration},
     {0x0C0C, 4, Integer, [](const Camera& c) { return Value(c.CounterValue()); }, nullptr},
     {0x0C10, 4, Integer, nullptr, Command<ResetCounter>},
 
-    {0x0C40, 4, Integer, [](const Camera&) { return Value(int64_t{0}); }, SetNothing<0>},
-    {0x0C44, 4, Integer, GetIn<Timer, &TimerSettings::source>,
-     SetIn<Timer, &TimerSettings::source, 0, lastSignal>},
-    {0x0C48, 8, Float, GetIn<Timer, &TimerSettings::durationUs>,
-     SetTimerTime<&TimerSettings::durationUs, 10>},
-    {0x0C50, 8, Float, GetIn<Timer, &TimerSettings::delayUs>, SetTimerTime<&TimerSettings::delayUs, 0>},
+    {0x0C40, 4, Integer, Get<&S::timerSelector>, SetWhole<&S::timerSelector, 0, lastCounter>},
+    {0x0C44, 4, Integer, GetTimer<&TimerSettings::source>, SetTimerSource},
+    {0x0C48, 8, Float, GetTimer<&TimerSettings::durationUs>, SetTimerTime<&TimerSettings::durationUs, 10>},
+    {0x0C50, 8, Float, GetTimer<&TimerSettings::delayUs>, SetTimerTime<&TimerSettings::delayUs, 0>},
     {0x0C58, 4, Integer, nullptr, Command<StartTimer>},
     {0x0C5C, 4, Integer, [](const Camera& c) { return Value(int64_t{c.TimerActive()}); }, nullptr},
 

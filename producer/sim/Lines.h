@@ -12,11 +12,32 @@ constexpr size_t inputCount = 2;
 constexpr size_t userOutputCount = 2;
 
 /// Numbered as the enumeration LineSource numbers them.
-enum class LineSource : int64_t { Off, UserOutput0, UserOutput1, Timer0Active, Counter0Active };
+enum class LineSource : int64_t {
+    Off,
+    UserOutput0,
+    UserOutput1,
+    Timer0Active,
+    Counter0Active,
+    Timer1Active,
+    Counter1Active,
+};
 
 /// Numbered as the enumerations CounterEventSource and TimerTriggerSource number them.
-enum class Signal : int64_t { Off, FrameStart, ExposureEnd, Line0, Line1, Timer0End, Counter0End };
-constexpr int64_t signalCount = 7;
+enum class Signal : int64_t {
+    Off,
+    FrameStart,
+    ExposureEnd,
+    Line0,
+    Line1,
+    Timer0End,
+    Counter0End,
+    Timer1End,
+    Counter1End,
+};
+constexpr int64_t signalCount = 9;
+
+/// There are as many counters as timers.
+constexpr size_t counterCount = 2;
 
 struct LineSettings {
     int64_t selector = 0;

@@ -21,7 +21,7 @@ zq_enumeration(TriggerSelector 0x0550 RW "The trigger that the next features are
 zq_enumeration(TriggerMode 0x0554 RW "On: each frame waits for a trigger." STREAMABLE ENTRIES Off=0 On=1)
 zq_command(TriggerSoftware 0x0558 "Triggers a frame, with Software as the source.")
 zq_enumeration(TriggerSource 0x055C RW "What triggers a frame." STREAMABLE
-    ENTRIES Software=0 Line0=1 Line1=2 Counter0End=3 Timer0End=4 Action0=5)
+    ENTRIES Software=0 Line0=1 Line1=2 Counter0End=3 Timer0End=4 Action0=5 Counter1End=6 Timer1End=7)
 zq_enumeration(TriggerActivation 0x0560 RW "The edge of a line that triggers." STREAMABLE
     ENTRIES RisingEdge=0 FallingEdge=1 AnyEdge=2)
 zq_float(TriggerDelay 0x0568 8 RW "Time from the trigger to the exposure." STREAMABLE MIN 0 MAX 1000000 UNIT us)

@@ -7,7 +7,8 @@ zq_boolean(LineStatus 0x0B0C RO "Level of the line." NOCACHE)
 zq_integer(LineStatusAll 0x0B10 4 RO "Levels of all lines, Line0 in the lowest bit." NOCACHE REPRESENTATION HexNumber)
 zq_formula(LineSourceLocked "MODE = 0" MODE=LineModeReg)
 zq_enumeration(LineSource 0x0B14 RW "What an output shows." NOCACHE LOCKED_BY LineSourceLocked
-    ENTRIES Off=0 UserOutput0=1 UserOutput1=2 Timer0Active=3 Counter0Active=4)
+    ENTRIES Off=0 UserOutput0=1 UserOutput1=2 Timer0Active=3 Counter0Active=4 Timer1Active=5
+    Counter1Active=6)
 zq_enumeration(UserOutputSelector 0x0B18 RW "The bit that UserOutputValue is about." SELECTS UserOutputValue
     ENTRIES UserOutput0=0 UserOutput1=1)
 zq_boolean(UserOutputValue 0x0B1C RW "The bit." NOCACHE)

@@ -2,7 +2,7 @@
 zq_category(EventControl "What the camera reports by itself.")
 zq_enumeration(EventSelector 0x0840 RW "The event that EventNotification is about." SELECTS EventNotification
     ENTRIES ExposureEnd=0 FrameStart=1 FrameEnd=2 Test=3 Error=4 Line0RisingEdge=5 Line0FallingEdge=6 Counter0End=7
-    Timer0End=8)
+    Timer0End=8 Counter1End=9 Timer1End=10)
 zq_enumeration(EventNotification 0x0844 RW "Whether this event is sent." NOCACHE ENTRIES Off=0 On=1)
 zq_command(TestEventGenerate 0x0848 "Sends the event Test.")
 
@@ -53,3 +53,5 @@ zq_event(Line0RisingEdge 9C50)
 zq_event(Line0FallingEdge 9C51)
 zq_event(Counter0End 9C60)
 zq_event(Timer0End 9C70)
+zq_event(Counter1End 9C61)
+zq_event(Timer1End 9C71)

@@ -18,6 +18,14 @@ void PrepareSources(Rig& rig) {
     rig.Set("LineSelector", "Line2");
 }
 
+template <class Change>
+void SetBoth(Rig& rig, const char* selector, Change change) {
+    for (const int64_t selected : {1, 0}) {
+        rig.Set(selector, selected);
+        change();
+    }
+}
+
 void CountLine0(Rig& rig) {
     rig.Set("CounterEventSource", "Line0");
     rig.Set("CounterDuration", 10);
@@ -45,6 +53,7 @@ void SeeCounterSource(Rig& rig, const Written& v) {
         rig.SetReal("TimerDuration", 10);
         rig.Do("TimerReset");
     }
+    rig.Set("CounterSelector", "Counter0");
     for (const char* other : {"Line0", "Line1"}) {
         if (other != v.text)
             LetHappen(rig, other);
@@ -186,7 +195,12 @@ Rows ControlRows() {
              rig.Set("LineSource", "UserOutput0");
          },
          [](Rig& rig, const Written& v) { EXPECT_EQ(rig.Get("LineStatusAll"), v.whole << 3); }},
-        {Module::Camera, "CounterSelector", Seen::Own, "there is one counter", Nothing, nullptr},
+        {Module::Camera, "CounterSelector", Seen::Register, "CounterDuration is that of the counter",
+         [](Rig& rig) {
+             SetBoth(rig, "CounterSelector",
+                     [&] { rig.Set("CounterDuration", rig.Get("CounterSelector") + 3); });
+         },
+         [](Rig& rig, const Written& v) { EXPECT_EQ(rig.Get("CounterDuration"), v.whole + 3); }},
         {Module::Camera, "CounterEventSource", Seen::Register, "what CounterValue counts", Nothing,
          SeeCounterSource},
         {Module::Camera, "CounterDuration", Seen::Event, "when the counter ends and begins again",
@@ -202,7 +216,15 @@ Rows ControlRows() {
              ASSERT_EQ(rig.Get("CounterValue"), 1);
          },
          [](Rig& rig, const Written&) { EXPECT_EQ(rig.Get("CounterValue"), 0); }},
-        {Module::Camera, "TimerSelector", Seen::Own, "there is one timer", Nothing, nullptr},
+        {Module::Camera, "TimerSelector", Seen::Register, "TimerDuration is that of the timer",
+         [](Rig& rig) {
+             SetBoth(rig, "TimerSelector", [&] {
+                 rig.SetReal("TimerDuration", 100.0 + static_cast<double>(rig.Get("TimerSelector")));
+             });
+         },
+         [](Rig& rig, const Written& v) {
+             EXPECT_EQ(rig.Real("TimerDuration"), 100.0 + static_cast<double>(v.whole));
+         }},
         {Module::Camera, "TimerTriggerSource", Seen::Register, "what makes the timer active",
          [](Rig& rig) {
              rig.SetReal("TimerDuration", longUs);
