@@ -77,11 +77,19 @@ void SetKey(InterfaceModule& interface, const Value& value) {
 
 using Keys = InterfaceModule::ActionKeys;
 
+void SetScheduled(InterfaceModule& interface, const Value& value) {
+    if (std::get<int64_t>(value) != 0 && std::get<int64_t>(value) != 1)
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "ActionScheduledTimeEnable can only be on or off");
+    SetKey<&Keys::scheduled>(interface, value);
+}
+
 constexpr RegisterRow<InterfaceModule> gevRows[] = {
     {0x0800, 4, Integer, GetKey<&Keys::device>, SetKey<&Keys::device>},
     {0x0804, 4, Integer, GetKey<&Keys::group>, SetKey<&Keys::group>},
     {0x0808, 4, Integer, GetKey<&Keys::mask>, SetKey<&Keys::mask>},
     {0x080C, 4, Integer, nullptr, [](InterfaceModule& interface, const Value&) { interface.SendAction(); }},
+    {0x0810, 4, Integer, GetKey<&Keys::scheduled>, SetScheduled},
+    {0x0818, 8, Integer, GetKey<&Keys::timeNs>, SetKey<&Keys::timeNs>},
     {0x0700, 8, Integer, [](const InterfaceModule&) { return Value(simulatedMacAddress); }, nullptr},
     {0x0708, 4, Integer, [](const InterfaceModule&) { return Value(simulatedInterfaceIp); }, nullptr},
     {0x070C, 4, Integer, [](const InterfaceModule&) { return Value(simulatedSubnetMask); }, nullptr},
@@ -153,7 +161,8 @@ void InterfaceModule::Select(int64_t index) {
 
 void InterfaceModule::SendAction() {
     for (size_t i = 0; i < m_bus.DeviceCount(); ++i)
-        m_bus.DeviceAt(i).camera.Act(m_action.device, m_action.group, m_action.mask);
+        m_bus.DeviceAt(i).camera.Act(m_action.device, m_action.group, m_action.mask,
+                                     m_action.scheduled != 0 ? m_action.timeNs.load() : 0);
 }
 
 void InterfaceModule::OnInterfaceLost() {

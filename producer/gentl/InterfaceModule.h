@@ -45,6 +45,8 @@ public:
         std::atomic<int64_t> device{0};
         std::atomic<int64_t> group{0};
         std::atomic<int64_t> mask{0};
+        std::atomic<int64_t> scheduled{0}; ///< whether the time counts
+        std::atomic<int64_t> timeNs{0};
     };
     [[nodiscard]] ActionKeys& Action() noexcept { return m_action; }
     [[nodiscard]] const ActionKeys& Action() const noexcept { return m_action; }

@@ -1,12 +1,27 @@
 #include "producer/sim/Agenda.h"
 
+#include <algorithm>
+
 namespace zqgentl {
 
 void Agenda::After(Clock::duration delay, Job job, std::function<void()> work) {
     std::lock_guard<std::mutex> guard(m_lock);
-    if (m_quit)
-        return;
-    m_entries[static_cast<size_t>(job)] = {Clock::now() + delay, std::move(work)};
+    if (!m_quit)
+        Enter(m_entries[static_cast<size_t>(job)], Clock::now() + delay, std::move(work));
+}
+
+bool Agenda::At(Clock::time_point due, std::function<void()> work) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    const auto isFree = [](const Entry& entry) { return entry.work == nullptr; };
+    const auto found = std::find_if(m_entries.begin() + jobCount, m_entries.end(), isFree);
+    if (m_quit || found == m_entries.end())
+        return false;
+    Enter(*found, due, std::move(work));
+    return true;
+}
+
+void Agenda::Enter(Entry& entry, Clock::time_point due, std::function<void()> work) {
+    entry = {due, std::move(work)};
     if (!m_thread.joinable())
         m_thread = std::thread([this] { Run(); });
     m_wake.notify_one();

@@ -127,8 +127,9 @@ public:
     void ResetCounter();
     void StartTimer();
     [[nodiscard]] bool TimerActive() const;
-    /// An action command with these keys came in.
-    void Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask);
+    /// An action command with these keys came in. It is followed at the time it says, at once when that is over
+    /// or 0; of commands that wait there is room for Agenda::namelessMax, and more are not followed.
+    void Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask, int64_t timeNs);
 
     void LoadUserSet();
     void SaveUserSet();

@@ -180,11 +180,16 @@ bool Camera::TimerActive() const {
     return m_timersActive[static_cast<size_t>(m_settings.timerSelector)];
 }
 
-void Camera::Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask) {
+void Camera::Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask, int64_t timeNs) {
     const CameraSettings settings = Settings();
-    if (settings.actionDeviceKey == deviceKey && settings.actionGroupKey == groupKey &&
-        (settings.actionGroupMask & groupMask) != 0)
+    if (settings.actionDeviceKey != deviceKey || settings.actionGroupKey != groupKey ||
+        (settings.actionGroupMask & groupMask) == 0)
+        return;
+    if (timeNs <= SteadyNow())
         Trigger(TriggerSource::Action0);
+    else
+        m_agenda.At(Agenda::Clock::time_point(std::chrono::nanoseconds(timeNs)),
+                    [this] { Trigger(TriggerSource::Action0); });
 }
 
 } // namespace zqgentl

@@ -32,6 +32,11 @@ void AwaitAction(Rig& rig) {
     rig.Begin();
 }
 
+int64_t CameraTime(Rig& rig) {
+    rig.Do("TimestampLatch");
+    return rig.Get("TimestampLatchValue");
+}
+
 /// The camera follows the command if its own key is the one that was written, else it doesn't.
 template <bool Any>
 void SeeKey(Rig& rig, const Written& v, const char* key) {
@@ -89,6 +94,29 @@ Rows ModuleRows() {
          AwaitAction, [](Rig& rig, const Written& v) { SeeKey<false>(rig, v, "ActionGroupKey"); }},
         {Module::Interface, "ActionGroupMask", Seen::Frames, "cameras with one of its bits are triggered",
          AwaitAction, [](Rig& rig, const Written& v) { SeeKey<true>(rig, v, "ActionGroupMask"); }},
+        {Module::Interface, "ActionScheduledTimeEnable", Seen::Frames, "the camera waits for the time",
+         AwaitAction,
+         [](Rig& rig, const Written& v) {
+             rig.Set(Module::Interface, "ActionScheduledTime", CameraTime(rig) + 60'000'000);
+             rig.Do(Module::Interface, "ActionCommand");
+             EXPECT_EQ(rig.Nothing(v.whole != 0 ? 20 : 5000), v.whole != 0);
+             EXPECT_EQ(rig.Nothing(v.whole != 0 ? 5000 : 20), v.whole == 0);
+         }},
+        {Module::Interface, "ActionScheduledTime", Seen::Frames, "when the camera is triggered",
+         [](Rig& rig) {
+             AwaitAction(rig);
+             rig.Set(Module::Interface, "ActionScheduledTimeEnable", 1);
+         },
+         [](Rig& rig, const Written& v) {
+             rig.Do(Module::Interface, "ActionCommand");
+             EXPECT_EQ(rig.Nothing(v.whole > 1 ? 40 : 5000), v.whole > 1);
+             const int64_t due = CameraTime(rig) + 30'000'000;
+             rig.Set(Module::Interface, "ActionScheduledTime", due);
+             rig.Do(Module::Interface, "ActionCommand");
+             const std::optional<Frame> frame = rig.Next();
+             ASSERT_TRUE(frame);
+             EXPECT_GE(static_cast<int64_t>(frame->timestampNs), due);
+         }},
         {Module::Interface, "ActionCommand", Seen::Frames, "the camera is triggered", AwaitAction,
          [](Rig& rig, const Written&) { EXPECT_TRUE(rig.Next()); }},
         {Module::Device, "StreamSelector", Seen::Register, "StreamID is that of the stream", Nothing,
