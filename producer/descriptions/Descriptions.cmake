@@ -41,23 +41,30 @@ function(zq_read_part variable part)
     set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
+include("${templates}/Features.cmake")
+include("${templates}/ModuleEvents.cmake")
+
+zq_write_module_events(TLPort 9020 "" InterfaceListChanged)
 zq_description(system system)
+zq_write_module_events(StreamPort 9030 FRAME TransferEnd BufferTooSmall BuffersDiscarded)
 zq_description(stream stream)
 
 set(GEV_FEATURES "")
 set(GEV_NODES "")
 foreach(technology u3v cxp)
+    zq_write_module_events(InterfacePort 9010 "" InterfaceLost DeviceListChanged)
     zq_description(interface_${technology} interface)
+    zq_write_module_events(DevicePort 9001 "" DeviceLost)
     zq_description(device_${technology} device)
 endforeach()
 set(GEV_FEATURES "        <pFeature>GevInterfaceInformation</pFeature>\n")
 zq_read_part(GEV_NODES interface_gev)
+zq_write_module_events(InterfacePort 9010 "" InterfaceLost DeviceListChanged)
 zq_description(interface_gev interface)
 set(GEV_FEATURES "        <pFeature>GevDeviceInformation</pFeature>\n")
 zq_read_part(GEV_NODES device_gev)
+zq_write_module_events(DevicePort 9001 "" DeviceLost)
 zq_description(device_gev device)
-
-include("${templates}/Features.cmake")
 
 # <name>=<code> for every pixel format that a camera of CAMERA_TECHNOLOGY has.
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/sim/PixelFormats.def")

@@ -26,12 +26,9 @@ void SelectOnly(DeviceModule&, const Value& value) {
         throw Failure(GenTL::GC_ERR_INVALID_VALUE, "this selector can only be 0");
 }
 
-void SetNotification(DeviceModule& device, const Value& value) {
-    const int64_t notification = std::get<int64_t>(value);
-    if (notification != 0 && notification != 1)
-        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "EventNotification can only be Off or On");
-    device.SetNotifyLoss(notification == 1);
-}
+/// Numbered as the enumeration EventSelector numbers them.
+enum class DeviceEvent { DeviceLost };
+constexpr uint16_t deviceLostEvent = 0x9001;
 
 void SetMechanism(DeviceModule& device, const Value& value) {
     const int64_t mechanism = std::get<int64_t>(value);
@@ -55,9 +52,6 @@ constexpr RegisterRow<DeviceModule> commonRows[] = {
     {0x0308, 8, Integer, [](const DeviceModule&) { return Value(int64_t{1000000000}); }, nullptr},
     {0x0400, 4, Integer, [](const DeviceModule&) { return Value(int64_t{0}); }, SelectOnly},
     {0x0440, 64, Text, [](const DeviceModule&) { return OfText(StreamModule::id); }, nullptr},
-    {0x0500, 4, Integer, [](const DeviceModule&) { return Value(int64_t{0}); }, SelectOnly},
-    {0x0504, 4, Integer, [](const DeviceModule& d) { return Value(int64_t{d.NotifyLoss()}); },
-     SetNotification},
 };
 
 constexpr RegisterRow<DeviceModule> gevRows[] = {
@@ -69,25 +63,16 @@ constexpr RegisterRow<DeviceModule> gevRows[] = {
     {0x0714, 4, Integer, [](const DeviceModule& d) { return Value(d.EndianessMechanism()); }, SetMechanism},
 };
 
-/// What the event port of the device's description shows: event id and time, 8 bytes each, little endian.
-std::string LossData(uint64_t timestampNs) {
-    std::string data(16, '\0');
-    for (size_t i = 0; i < 8; ++i) {
-        data[i] = static_cast<char>(uint64_t{DeviceModule::deviceLostEvent} >> (8 * i));
-        data[8 + i] = static_cast<char>(timestampNs >> (8 * i));
-    }
-    return data;
-}
-
 } // namespace
 
 DeviceModule::DeviceModule(std::shared_ptr<InterfaceModule> parent, SimulatedDevice& device,
                            GenTL::DEVICE_ACCESS_FLAGS access)
-    : Module(kind), m_parent(std::move(parent)), m_device(device),
+    : Module(kind), m_parent(std::move(parent)), m_device(device), m_moduleEvents(*this, deviceLostEvent, 1),
       m_port({device.camera.Model().deviceId, device.camera.Model().modelName, device.camera.Model().tlType,
               "TLDevice", ZQGENTL_VERSION, "DevicePort", false, true},
              m_registers, *device.camera.Model().deviceDescription) {
     m_registers.Bind(*this, commonRows);
+    m_moduleEvents.BindTo(m_registers);
     if (ModelOf(*this).technology == Technology::GigEVision)
         m_registers.Bind(*this, gevRows);
     const Description& description = *ModelOf(*this).deviceDescription;
@@ -125,10 +110,14 @@ void DeviceModule::OnCameraChanged() {
 }
 
 void DeviceModule::OnCameraLost() {
-    m_streams.ForEach([](StreamModule& stream) { stream.Engine().Lose(); });
-    if (m_notifyLoss)
-        Fire(EventData::Module(deviceLostEvent, LossData(static_cast<uint64_t>(SteadyNow()))));
-    Fire(EventData::Error(GenTL::GC_ERR_IO, "the camera " + ModelOf(*this).serialNumber + " is lost"));
+    const EventData error =
+        EventData::Error(GenTL::GC_ERR_IO, "the camera " + ModelOf(*this).serialNumber + " is lost");
+    m_streams.ForEach([&](StreamModule& stream) {
+        stream.Engine().Lose();
+        stream.Fire(error);
+    });
+    m_moduleEvents.Send(DeviceEvent::DeviceLost);
+    Fire(error);
 }
 
 void DeviceModule::OnCameraEvent(const CameraEvent& event) {

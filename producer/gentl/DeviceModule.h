@@ -20,7 +20,6 @@ class DeviceModule final : public Module,
 public:
     static constexpr Kind kind = Kind::Device;
     /// The id of the module event that tells of a loss, as the description of the device module has it.
-    static constexpr uint16_t deviceLostEvent = 0x9001;
 
     DeviceModule(std::shared_ptr<InterfaceModule> parent, SimulatedDevice& device,
                  GenTL::DEVICE_ACCESS_FLAGS access);
@@ -40,8 +39,6 @@ public:
     void OnFeatureInvalidated(const char* feature) override;
     void OnFeatureChanged(const char* feature, const std::string& value) override;
 
-    [[nodiscard]] bool NotifyLoss() const noexcept { return m_notifyLoss; }
-    void SetNotifyLoss(bool notify) noexcept { m_notifyLoss = notify; }
     [[nodiscard]] int64_t EndianessMechanism() const noexcept { return m_endianessMechanism; }
     void SetEndianessMechanism(int64_t mechanism) noexcept { m_endianessMechanism = mechanism; }
 
@@ -52,10 +49,10 @@ private:
     std::shared_ptr<InterfaceModule> m_parent;
     SimulatedDevice& m_device;
     std::shared_ptr<RemotePort> m_remotePort;
-    std::atomic<bool> m_notifyLoss{false};
     std::atomic<uint16_t> m_requestId{0};
     std::atomic<int64_t> m_endianessMechanism{1};
     OpenChildren<StreamModule> m_streams;
+    ModuleEvents m_moduleEvents;
     RegisterMap m_registers{ByteOrder::Little};
     Port m_port;
 };

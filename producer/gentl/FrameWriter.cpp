@@ -74,7 +74,7 @@ FrameInfo DescribeFrame(const FrameTicket& ticket, uint64_t timestampNs) {
     return frame;
 }
 
-void WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
+bool WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
     const FramePlan& plan = ticket.plan;
     const FrameFaults& faults = plan.faults;
     const bool half = faults.Interrupts(ticket.frameId);
@@ -95,6 +95,7 @@ void WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticke
             std::memset(buffer.Base() + frame.sizeFilled - 4, 0xFF, 4);
     }
     buffer.SetFrame(frame);
+    return !frame.largerThanBuffer;
 }
 
 } // namespace zqgentl

@@ -12,7 +12,7 @@ namespace zqgentl {
 [[nodiscard]] FrameInfo DescribeFrame(const FrameTicket& ticket, uint64_t timestampNs);
 
 /// Draws the frame into the buffer and describes it there. A frame that doesn't fit is cut off and
-/// incomplete.
-void WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
+/// incomplete, and the result false.
+bool WriteFrame(Painter& painter, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
 
 } // namespace zqgentl

@@ -100,14 +100,19 @@ constexpr RegisterRow<InterfaceModule> gevRows[] = {
     {0x0724, 4, Integer, [](const InterfaceModule& i) { return Selected(i, simulatedSubnetMask); }, nullptr},
 };
 
+/// Numbered as the enumeration EventSelector numbers them.
+enum class InterfaceEvent { InterfaceLost, DeviceListChanged };
+constexpr uint16_t firstInterfaceEvent = 0x9010;
+
 } // namespace
 
 InterfaceModule::InterfaceModule(std::shared_ptr<SystemModule> parent, SimulatedInterface& bus)
-    : Module(kind), m_parent(std::move(parent)), m_bus(bus),
+    : Module(kind), m_parent(std::move(parent)), m_bus(bus), m_moduleEvents(*this, firstInterfaceEvent, 2),
       m_port({Model().interfaceId, Model().interfaceName, Model().tlType, "TLInterface", ZQGENTL_VERSION,
               "InterfacePort", false, true},
              m_registers, *Model().interfaceDescription) {
     m_registers.Bind(*this, commonRows);
+    m_moduleEvents.BindTo(m_registers);
     if (Model().technology == Technology::GigEVision)
         m_registers.Bind(*this, gevRows);
     const Description& description = *Model().interfaceDescription;
@@ -166,8 +171,15 @@ void InterfaceModule::SendAction() {
 }
 
 void InterfaceModule::OnInterfaceLost() {
-    Fire(
-        EventData::Error(GenTL::GC_ERR_IO, std::string("the interface ") + Model().interfaceId + " is gone"));
+    const EventData error =
+        EventData::Error(GenTL::GC_ERR_IO, std::string("the interface ") + Model().interfaceId + " is gone");
+    m_moduleEvents.Send(InterfaceEvent::InterfaceLost);
+    Fire(error);
+    m_parent->Fire(error);
+}
+
+void InterfaceModule::OnDeviceListChanged() {
+    m_moduleEvents.Send(InterfaceEvent::DeviceListChanged);
 }
 
 void InterfaceModule::Close() {

@@ -3,6 +3,7 @@
 #include "producer/gentl/DeviceModule.h"
 #include "producer/gentl/Inventory.h"
 #include "producer/gentl/ListState.h"
+#include "producer/gentl/ModuleEvents.h"
 #include "producer/gentl/OpenChildren.h"
 
 #include <atomic>
@@ -39,6 +40,7 @@ public:
     [[nodiscard]] size_t Selector() const noexcept { return m_selector; }
     void Select(int64_t index);
     void OnInterfaceLost() override;
+    void OnDeviceListChanged() override;
 
     /// The keys of an action command that goes to every camera of the interface.
     struct ActionKeys {
@@ -60,6 +62,7 @@ private:
     ListState m_list;
     std::atomic<size_t> m_selector{0};
     ActionKeys m_action;
+    ModuleEvents m_moduleEvents;
     OpenChildren<DeviceModule> m_devices;
     RegisterMap m_registers{ByteOrder::Little};
     Port m_port;

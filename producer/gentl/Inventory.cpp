@@ -51,18 +51,51 @@ std::vector<size_t> SimulatedInterface::PresentDevices() const {
     return present;
 }
 
+template <class Call>
+void SimulatedInterface::Tell(Call call) {
+    std::lock_guard<std::mutex> guard(m_listenerLock);
+    if (m_listener != nullptr)
+        call(*m_listener);
+}
+
+void SimulatedInterface::TellDeviceList() {
+    Tell([](InterfaceListener& listener) { listener.OnDeviceListChanged(); });
+}
+
+void SimulatedInterface::TellInterfaceList() {
+    std::lock_guard<std::mutex> guard(m_listenerLock);
+    if (m_systemListener != nullptr)
+        m_systemListener->OnInterfaceListChanged();
+}
+
 void SimulatedInterface::Lose(std::chrono::milliseconds absence) {
     m_absence.Begin(absence);
     for (const auto& device : m_devices)
         device->camera.Lose();
-    std::lock_guard<std::mutex> guard(m_listenerLock);
-    if (m_listener != nullptr)
-        m_listener->OnInterfaceLost();
+    Tell([](InterfaceListener& listener) { listener.OnInterfaceLost(); });
+    TellInterfaceList();
+    if (absence.count() != 0)
+        m_agenda.At(Agenda::Clock::now() + absence, [this] { TellInterfaceList(); });
+}
+
+void SimulatedInterface::OnCameraAway(std::chrono::milliseconds absence) {
+    TellDeviceList();
+    m_agenda.At(Agenda::Clock::now() + absence, [this] { TellDeviceList(); });
+}
+
+void SimulatedInterface::Release() {
+    if (m_absence.Release())
+        TellInterfaceList();
 }
 
 void SimulatedInterface::SetListener(InterfaceListener* listener) {
     std::lock_guard<std::mutex> guard(m_listenerLock);
     m_listener = listener;
+}
+
+void SimulatedInterface::SetSystemListener(SystemListener* listener) {
+    std::lock_guard<std::mutex> guard(m_listenerLock);
+    m_systemListener = listener;
 }
 
 Inventory::Inventory(const Population& population) {

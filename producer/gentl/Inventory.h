@@ -28,9 +28,19 @@ struct SimulatedDevice {
 class InterfaceListener {
 public:
     virtual void OnInterfaceLost() = 0;
+    virtual void OnDeviceListChanged() = 0;
 
 protected:
     ~InterfaceListener() = default;
+};
+
+/// Who wants to know when an interface goes or comes back. Called with a lock that SetSystemListener takes.
+class SystemListener {
+public:
+    virtual void OnInterfaceListChanged() = 0;
+
+protected:
+    ~SystemListener() = default;
 };
 
 /// An interface with its cameras.
@@ -46,16 +56,25 @@ public:
 
     /// The interface is gone, and every camera on it lost.
     void Lose(std::chrono::milliseconds absence) override;
+    void OnCameraAway(std::chrono::milliseconds absence) override;
     [[nodiscard]] bool Away() const noexcept { return m_absence.Away(); }
-    void Release() noexcept { m_absence.Release(); }
+    void Release();
     void SetListener(InterfaceListener* listener);
+    void SetSystemListener(SystemListener* listener);
 
 private:
+    template <class Call>
+    void Tell(Call call);
+    void TellDeviceList();
+    void TellInterfaceList();
+
     const BusModel& m_model;
     std::vector<std::unique_ptr<SimulatedDevice>> m_devices;
     Absence m_absence;
     std::mutex m_listenerLock;
     InterfaceListener* m_listener = nullptr;
+    SystemListener* m_systemListener = nullptr;
+    Agenda m_agenda; // last: its thread uses the rest
 };
 
 /// The simulated hardware of one GCInitLib.

@@ -23,7 +23,8 @@ private:
     StreamEngine& m_engine;
 };
 
-StreamEngine::StreamEngine(Camera& camera) : m_camera(camera) {
+StreamEngine::StreamEngine(Camera& camera, StreamListener& listener)
+    : m_camera(camera), m_listener(listener) {
     m_thread = std::thread([this] { Run(); });
 }
 

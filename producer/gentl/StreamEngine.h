@@ -18,6 +18,22 @@ namespace zqgentl {
 /// the oldest, when no other is left, and NewestOnly all of them for each new frame.
 enum class BufferHandling : int64_t { OldestFirst, OldestFirstOverwrite, NewestOnly };
 
+/// What a stream has to tell of a frame that has been written into a buffer.
+struct TransferNews {
+    uint64_t frameId;
+    bool tooSmall;  ///< the buffer, for the frame
+    bool discarded; ///< filled buffers have been given up for it or for one before
+};
+
+/// Who wants to know of it. Called without the engine's lock, on its thread.
+class StreamListener {
+public:
+    virtual void OnTransferEnd(BufferModule& buffer, const TransferNews& news) = 0;
+
+protected:
+    ~StreamListener() = default;
+};
+
 /// How many buffers a stream needs to start.
 constexpr size_t buffersMin = 1;
 
@@ -40,7 +56,8 @@ public:
         bool grabbing;
     };
 
-    explicit StreamEngine(Camera& camera);
+    /// The listener outlives the engine's thread, which Shutdown ends.
+    StreamEngine(Camera& camera, StreamListener& listener);
     StreamEngine(const StreamEngine&) = delete;
     StreamEngine& operator=(const StreamEngine&) = delete;
     ~StreamEngine();
@@ -89,6 +106,8 @@ private:
     /// Called without the lock. Costs nothing while the event is off.
     void Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs);
     void TriggeredFrame(Lock& lock, FrameTicket& ticket);
+    /// Called without the lock.
+    void Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
     void Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
     /// Begins a frame; the buffer for it, or null where there is none to fill.
     BufferModule* BeginExposure(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
@@ -104,6 +123,7 @@ private:
     [[nodiscard]] bool MayTake() const;
 
     Camera& m_camera;
+    StreamListener& m_listener;
     mutable std::mutex m_lock;
     std::condition_variable m_wake;    // the thread waits on it
     std::condition_variable m_settled; // callers that need the thread to be out of a buffer wait on it
@@ -115,10 +135,11 @@ private:
     FrameInfo m_currentFrame;          // what is known of its frame before it is delivered
     std::atomic<BufferHandling> m_handling{BufferHandling::OldestFirst};
     Painter m_painter;
-    bool m_beginning = false;        // a frame has its id, and no buffer yet
-    bool m_writing = false;          // the thread writes into it, without the lock
-    unsigned m_pauses = 0;           // callers that want no new buffer taken
-    std::atomic<bool> m_free{false}; // frames flow as fast as they are fetched
+    bool m_beginning = false;             // a frame has its id, and no buffer yet
+    std::atomic<bool> m_discarded{false}; // filled buffers were given up, which has not been told yet
+    bool m_writing = false;               // the thread writes into it, without the lock
+    unsigned m_pauses = 0;                // callers that want no new buffer taken
+    std::atomic<bool> m_free{false};      // frames flow as fast as they are fetched
     bool m_threadIdle = false;
     bool m_running = false;
     bool m_stopOwed = false;

@@ -82,15 +82,21 @@ constexpr RegisterRow<StreamModule> registerRows[] = {
     {0x0358, 8, Integer, [](const StreamModule&) { return OfCount(1); }, nullptr},
 };
 
+/// Numbered as the enumeration EventSelector numbers them.
+enum class StreamEvent { TransferEnd, BufferTooSmall, BuffersDiscarded };
+constexpr uint16_t firstStreamEvent = 0x9030;
+
 } // namespace
 
 StreamModule::StreamModule(std::shared_ptr<DeviceModule> parent, Camera& camera)
     : Module(kind), m_parent(std::move(parent)), m_camera(camera),
-      m_engine(std::make_shared<StreamEngine>(camera)),
+      m_moduleEvents(*this, firstStreamEvent, 3, ModuleEvents::Frames::Yes),
+      m_engine(std::make_shared<StreamEngine>(camera, *this)),
       m_port({id, camera.Model().modelName, camera.Model().tlType, "TLDataStream", ZQGENTL_VERSION,
               "StreamPort", false, true},
              m_registers, descriptions::stream) {
     m_registers.Bind(*this, registerRows);
+    m_moduleEvents.BindTo(m_registers);
     m_registers.AddMemory(descriptionAddress, descriptions::stream.data, descriptions::stream.size);
 }
 
@@ -123,6 +129,20 @@ void StreamModule::Revoke(BufferModule& buffer, void** base, void** userPointer)
         *base = revoked->OwnsMemory() ? nullptr : revoked->Base();
     if (userPointer != nullptr)
         *userPointer = revoked->UserPointer();
+}
+
+void StreamModule::OnTransferEnd(BufferModule& buffer, const TransferNews& news) {
+    m_moduleEvents.Send(StreamEvent::TransferEnd, news.frameId);
+    if (news.discarded)
+        m_moduleEvents.Send(StreamEvent::BuffersDiscarded, news.frameId);
+    if (!news.tooSmall)
+        return;
+    m_moduleEvents.Send(StreamEvent::BufferTooSmall, news.frameId);
+    const EventData error =
+        EventData::Error(GenTL::GC_ERR_BUFFER_TOO_SMALL,
+                         "frame " + std::to_string(news.frameId) + " is larger than its buffer");
+    Fire(error);
+    buffer.Fire(error);
 }
 
 void StreamModule::AnswerInfo(GenTL::STREAM_INFO_CMD command, const InfoTarget& target) const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "producer/gentl/Module.h"
+#include "producer/gentl/ModuleEvents.h"
 #include "producer/gentl/StreamEngine.h"
 
 #include <memory>
@@ -11,7 +11,7 @@ namespace zqgentl {
 class DeviceModule;
 
 /// An open data stream: buffers and acquisition.
-class StreamModule final : public Module {
+class StreamModule final : public Module, public StreamListener {
 public:
     static constexpr Kind kind = Kind::Stream;
     static constexpr const char* id = "Stream0";
@@ -29,6 +29,7 @@ public:
     void Revoke(BufferModule& buffer, void** base, void** userPointer);
     void AnswerInfo(GenTL::STREAM_INFO_CMD command, const InfoTarget& target) const;
     void Close();
+    void OnTransferEnd(BufferModule& buffer, const TransferNews& news) override;
 
     [[nodiscard]] const Port& ModulePort() const override { return m_port; }
 
@@ -38,6 +39,7 @@ protected:
 private:
     std::shared_ptr<DeviceModule> m_parent;
     Camera& m_camera;
+    ModuleEvents m_moduleEvents;
     std::shared_ptr<StreamEngine> m_engine;
     RegisterMap m_registers{ByteOrder::Little};
     Port m_port;

@@ -75,7 +75,7 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
         Send(EventKind::FrameStart, ticket, timestampNs);
         Send(EventKind::ExposureEnd, ticket, timestampNs);
         if (!dropped)
-            WriteFrame(m_painter, buffer, ticket, timestampNs);
+            Fill(buffer, ticket, timestampNs);
         Send(EventKind::FrameEnd, ticket, timestampNs);
     }
     lock.lock();
@@ -164,11 +164,16 @@ void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exp
     m_writing = true;
     lock.unlock();
     Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
-    WriteFrame(m_painter, buffer, ticket, Nanoseconds(exposed));
+    Fill(buffer, ticket, Nanoseconds(exposed));
     Send(EventKind::FrameEnd, ticket, Nanoseconds(exposed));
     lock.lock();
     m_writing = false;
     Finish(lock, buffer, ticket);
+}
+
+void StreamEngine::Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
+    const bool tooSmall = !WriteFrame(m_painter, buffer, ticket, timestampNs);
+    m_listener.OnTransferEnd(buffer, {ticket.frameId, tooSmall, m_discarded.exchange(false)});
 }
 
 void StreamEngine::Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket) {
@@ -201,6 +206,7 @@ BufferModule& StreamEngine::TakeNext() {
         buffer = m_pool.First(Place::Output);
         buffer->SetFrame(FrameInfo());
         ++m_counters.underrun;
+        m_discarded = true;
     }
     m_pool.Move(*buffer, Place::Filling);
     m_current = buffer;
@@ -210,6 +216,7 @@ BufferModule& StreamEngine::TakeNext() {
 void StreamEngine::Deliver(BufferModule& buffer) {
     if (m_handling == BufferHandling::NewestOnly) {
         m_counters.underrun += m_pool.Count(Place::Output);
+        m_discarded = m_discarded || m_pool.Count(Place::Output) > 0;
         Requeue(Place::Output);
     }
     m_pool.Move(buffer, Place::Output);

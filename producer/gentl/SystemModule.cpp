@@ -99,14 +99,21 @@ constexpr RegisterRow<SystemModule> registerRows[] = {
      nullptr},
 };
 
+/// Numbered as the enumeration EventSelector numbers them.
+enum class SystemEvent { InterfaceListChanged };
+constexpr uint16_t firstSystemEvent = 0x9020;
+
 } // namespace
 
 SystemModule::SystemModule(std::shared_ptr<Inventory> inventory)
-    : Module(kind), m_inventory(std::move(inventory)),
+    : Module(kind), m_inventory(std::move(inventory)), m_moduleEvents(*this, firstSystemEvent, 1),
       m_port({systemId, systemModel, TLTypeMixedName, "TLSystem", version, "TLPort", false, true},
              m_registers, descriptions::system) {
     m_registers.Bind(*this, registerRows);
+    m_moduleEvents.BindTo(m_registers);
     m_registers.AddMemory(descriptionAddress, descriptions::system.data, descriptions::system.size);
+    for (size_t i = 0; i < m_inventory->Count(); ++i)
+        m_inventory->At(i).SetSystemListener(this);
 }
 
 void SystemModule::AnswerInfo(GenTL::TL_INFO_CMD command, const InfoTarget& target) {
@@ -153,8 +160,14 @@ void SystemModule::Select(int64_t index) {
     m_selector = static_cast<size_t>(index);
 }
 
+void SystemModule::OnInterfaceListChanged() {
+    m_moduleEvents.Send(SystemEvent::InterfaceListChanged);
+}
+
 void SystemModule::Close() {
     m_interfaces.CloseAll();
+    for (size_t i = 0; i < m_inventory->Count(); ++i)
+        m_inventory->At(i).SetSystemListener(nullptr);
     UnregisterEvents();
 }
 

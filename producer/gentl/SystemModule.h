@@ -3,6 +3,7 @@
 #include "producer/gentl/InterfaceModule.h"
 #include "producer/gentl/Inventory.h"
 #include "producer/gentl/ListState.h"
+#include "producer/gentl/ModuleEvents.h"
 #include "producer/gentl/OpenChildren.h"
 
 #include <atomic>
@@ -12,7 +13,9 @@
 namespace zqgentl {
 
 /// The root of the module tree.
-class SystemModule final : public Module, public std::enable_shared_from_this<SystemModule> {
+class SystemModule final : public Module,
+                           public SystemListener,
+                           public std::enable_shared_from_this<SystemModule> {
 public:
     static constexpr Kind kind = Kind::System;
 
@@ -34,6 +37,7 @@ public:
     [[nodiscard]] const BusModel* Selected() const;
     [[nodiscard]] size_t Selector() const noexcept { return m_selector; }
     void Select(int64_t index);
+    void OnInterfaceListChanged() override;
 
 private:
     [[nodiscard]] size_t IndexOf(const std::string& id) const;
@@ -42,6 +46,7 @@ private:
     ListState m_list;
     std::atomic<size_t> m_selector{0};
     OpenChildren<InterfaceModule> m_interfaces;
+    ModuleEvents m_moduleEvents;
     RegisterMap m_registers{ByteOrder::Little};
     Port m_port;
 };

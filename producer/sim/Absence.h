@@ -13,10 +13,10 @@ public:
     void Begin(std::chrono::milliseconds time) noexcept {
         m_until = time.count() == 0 ? INT64_MAX : Now() + std::chrono::nanoseconds(time).count();
     }
-    /// Ends an absence that has no time of its own.
-    void Release() noexcept {
+    /// Ends an absence that has no time of its own; false when there is none.
+    bool Release() noexcept {
         int64_t endless = INT64_MAX;
-        m_until.compare_exchange_strong(endless, 0);
+        return m_until.compare_exchange_strong(endless, 0);
     }
     [[nodiscard]] bool Away() const noexcept { return m_until != 0 && Now() < m_until; }
 

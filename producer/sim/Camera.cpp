@@ -307,14 +307,18 @@ void Camera::CheckTemperature() {
 }
 
 void Camera::Lose() {
+    std::chrono::milliseconds absence{0};
     {
         std::lock_guard<std::mutex> guard(m_lock);
         m_acquiring = false;
         m_lost = true;
-        if (m_settings.returnTimeMs != 0)
-            m_absence.Begin(std::chrono::milliseconds(m_settings.returnTimeMs));
+        absence = std::chrono::milliseconds(m_settings.returnTimeMs);
+        if (absence.count() != 0)
+            m_absence.Begin(absence);
     }
     Tell([](CameraListener& listener) { listener.OnCameraLost(); });
+    if (absence.count() != 0)
+        m_bus->OnCameraAway(absence);
 }
 
 std::chrono::milliseconds Camera::LossDelay() const {

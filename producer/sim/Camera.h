@@ -74,6 +74,8 @@ class CameraBus {
 public:
     /// It is gone for a time, or, with a time of 0, until it is opened anew.
     virtual void Lose(std::chrono::milliseconds absence) = 0;
+    /// A camera is away, for that time; not for one that can be opened at once.
+    virtual void OnCameraAway(std::chrono::milliseconds absence) = 0;
 
 protected:
     ~CameraBus() = default;
@@ -127,8 +129,8 @@ public:
     void ResetCounter();
     void StartTimer();
     [[nodiscard]] bool TimerActive() const;
-    /// An action command with these keys came in. It is followed at the time it says, at once when that is over
-    /// or 0; of commands that wait there is room for Agenda::namelessMax, and more are not followed.
+    /// An action command with these keys came in. It is followed at the time it says, at once when that is
+    /// over or 0; of commands that wait there is room for Agenda::namelessMax, and more are not followed.
     void Act(int64_t deviceKey, int64_t groupKey, int64_t groupMask, int64_t timeNs);
 
     void LoadUserSet();

@@ -47,6 +47,26 @@ void SeeKey(Rig& rig, const Written& v, const char* key) {
     EXPECT_EQ(rig.Nothing(), Any && v.whole == 0);
 }
 
+/// So many events of one kind, or none when they are off.
+void ExpectEvents(Rig& rig, const Written& v, const char* id, int64_t count) {
+    for (int64_t i = 0; i < count; ++i)
+        EXPECT_EQ(rig.NextEvent(v.whole != 0 ? 5000 : 10), v.whole != 0 ? id : "");
+}
+
+/// Every second frame is too large for its buffer.
+void PrepareTransfers(Rig& rig) {
+    rig.SmallAndFast();
+    rig.Set("SimulationLargerEvery", 2);
+    rig.Listen(Module::Stream, EVENT_MODULE);
+}
+
+void SeeDiscarded(Rig& rig) {
+    rig.Set(Module::Stream, "StreamBufferHandlingMode", "NewestOnly");
+    rig.Begin(3);
+    EXPECT_EQ(rig.NextEvent(), "9032");
+    EXPECT_GT(rig.Get(Module::Stream, "EventBuffersDiscardedFrameID"), 0);
+}
+
 void SeeHandling(Rig& rig, const Written& v) {
     rig.Begin(3);
     ASSERT_TRUE(
@@ -121,6 +141,53 @@ Rows ModuleRows() {
          [](Rig& rig, const Written&) { EXPECT_TRUE(rig.Next()); }},
         {Module::Device, "StreamSelector", Seen::Register, "StreamID is that of the stream", Nothing,
          [](Rig& rig, const Written&) { EXPECT_EQ(rig.Text(Module::Device, "StreamID"), "Stream0"); }},
+        {Module::System, "EventSelector", Seen::Own, "there is one event", Nothing, nullptr},
+        {Module::System, "EventNotification", Seen::Event, "the event comes",
+         [](Rig& rig) { rig.Listen(Module::System, EVENT_MODULE); },
+         [](Rig& rig, const Written& v) {
+             rig.Set("SimulationReturnTime", 1);
+             rig.Do("SimulationInterfaceLost");
+             ExpectEvents(rig, v, "9020", 2); // gone, and back
+         }},
+        {Module::Interface, "EventSelector", Seen::Event, "the event that is switched",
+         [](Rig& rig) { rig.Listen(Module::Interface, EVENT_MODULE); },
+         [](Rig& rig, const Written& v) {
+             rig.Set(Module::Interface, "EventNotification", "On");
+             rig.Set("SimulationReturnTime", 1);
+             rig.Do(v.text == "InterfaceLost" ? "SimulationInterfaceLost" : "SimulationDeviceLost");
+             ExpectEvents(rig, {1, 0, ""}, v.text == "InterfaceLost" ? "9010" : "9011", v.whole + 1);
+         }},
+        {Module::Interface, "EventNotification", Seen::Event, "the event comes",
+         [](Rig& rig) {
+             rig.Listen(Module::Interface, EVENT_MODULE);
+             rig.Set(Module::Interface, "EventSelector", "DeviceListChanged");
+         },
+         [](Rig& rig, const Written& v) {
+             rig.Set("SimulationReturnTime", 1);
+             rig.Do("SimulationDeviceLost");
+             ExpectEvents(rig, v, "9011", 2);
+             if (v.whole != 0) {
+                 EXPECT_GT(rig.Get(Module::Interface, "EventDeviceListChangedTimestamp"), 0);
+             }
+         }},
+        {Module::Stream, "EventSelector", Seen::Event, "the event that is switched", PrepareTransfers,
+         [](Rig& rig, const Written& v) {
+             rig.Set(Module::Stream, "EventNotification", "On");
+             static_cast<void>(rig.Grab(3));
+             // Nothing is given up as long as buffers are queued.
+             const char* const ids[] = {"9030", "9031", ""};
+             EXPECT_EQ(rig.NextEvent(0), ids[v.whole]);
+             if (v.text == "BuffersDiscarded")
+                 SeeDiscarded(rig);
+         }},
+        {Module::Stream, "EventNotification", Seen::Event, "the event comes", PrepareTransfers,
+         [](Rig& rig, const Written& v) {
+             static_cast<void>(rig.Grab(1));
+             EXPECT_EQ(rig.NextEvent(0), v.whole != 0 ? "9030" : "");
+             if (v.whole != 0) {
+                 EXPECT_EQ(rig.Get(Module::Stream, "EventTransferEndFrameID"), 0);
+             }
+         }},
         {Module::Device, "EventSelector", Seen::Own, "there is one event", Nothing, nullptr},
         {Module::Device, "EventNotification", Seen::Event, "the event comes",
          [](Rig& rig) { rig.Listen(Module::Device, EVENT_MODULE); },

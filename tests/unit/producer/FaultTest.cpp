@@ -40,6 +40,19 @@ protected:
         return gentl.GCWritePort(remote, address, &value, &size);
     }
 
+    /// What the next error event says; success when there is none.
+    GC_ERROR ErrorOf(EVENT_HANDLE event) {
+        char data[512];
+        size_t size = sizeof data;
+        if (gentl.EventGetData(event, data, &size, 0) != GC_ERR_SUCCESS)
+            return GC_ERR_SUCCESS;
+        int32_t code = 0;
+        size_t codeSize = sizeof code;
+        INFO_DATATYPE type = 0;
+        EXPECT_EQ(gentl.EventGetDataInfo(event, data, size, EVENT_DATA_ID, &type, &code, &codeSize), 0);
+        return code;
+    }
+
     GC_ERROR Reopen() {
         char id[64] = "ZQ-U3V-0:SIM-U3V-0001";
         EXPECT_EQ(gentl.DevClose(device), GC_ERR_SUCCESS);
@@ -80,6 +93,36 @@ TEST_F(Faults, LargerFramesSaySo) {
     ASSERT_EQ(frames.size(), 6U);
     EXPECT_EQ(Flags(frames, BUFFER_INFO_DATA_LARGER_THAN_BUFFER), everyThird);
     EXPECT_EQ(Flags(frames, BUFFER_INFO_IS_INCOMPLETE), everyThird);
+}
+
+TEST_F(Faults, LargerFramesAreErrorsOfTheirStreamAndBuffer) {
+    EXPECT_EQ(WriteInt(camera::LargerEvery, 2), GC_ERR_SUCCESS);
+    const std::vector<BUFFER_HANDLE> buffers = Announce(1, 64);
+    EVENT_HANDLE ofStream = nullptr;
+    EVENT_HANDLE ofBuffer = nullptr;
+    ASSERT_EQ(gentl.GCRegisterEvent(stream, EVENT_ERROR, &ofStream), GC_ERR_SUCCESS);
+    ASSERT_EQ(gentl.GCRegisterEvent(buffers[0], EVENT_ERROR, &ofBuffer), GC_ERR_SUCCESS);
+    Queue(buffers);
+    Start();
+    ASSERT_NE(Next(), nullptr);
+    EXPECT_EQ(ErrorOf(ofStream), GC_ERR_SUCCESS) << "the first frame fits";
+    Queue(buffers);
+    ASSERT_NE(Next(), nullptr);
+    EXPECT_EQ(ErrorOf(ofStream), GC_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(ErrorOf(ofBuffer), GC_ERR_BUFFER_TOO_SMALL);
+    EXPECT_EQ(ErrorOf(ofStream), GC_ERR_SUCCESS) << "one for each";
+}
+
+TEST_F(Faults, LossesAreErrorsOfAllThatIsLost) {
+    EVENT_HANDLE ofSystem = nullptr;
+    EVENT_HANDLE ofInterface = nullptr;
+    EVENT_HANDLE ofStream = nullptr;
+    ASSERT_EQ(gentl.GCRegisterEvent(system, EVENT_ERROR, &ofSystem), GC_ERR_SUCCESS);
+    ASSERT_EQ(gentl.GCRegisterEvent(interface, EVENT_ERROR, &ofInterface), GC_ERR_SUCCESS);
+    ASSERT_EQ(gentl.GCRegisterEvent(stream, EVENT_ERROR, &ofStream), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::InterfaceLost, 1), GC_ERR_SUCCESS);
+    for (EVENT_HANDLE event : {ofSystem, ofInterface, ofStream})
+        EXPECT_EQ(ErrorOf(event), GC_ERR_IO);
 }
 
 TEST_F(Faults, LateFramesKeepTheirTimestamp) {

@@ -22,7 +22,7 @@ protected:
     void NotifyLoss() {
         uint32_t on = 1;
         size_t size = sizeof on;
-        ASSERT_EQ(gentl.GCWritePort(device, 0x504, &on, &size), GC_ERR_SUCCESS);
+        ASSERT_EQ(gentl.GCWritePort(device, 0xA04, &on, &size), GC_ERR_SUCCESS);
     }
 
     void Lose() { ASSERT_EQ(WriteInt(camera::SimulationDeviceLost, 1), GC_ERR_SUCCESS); }
