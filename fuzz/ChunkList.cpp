@@ -82,8 +82,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The first two bytes: how many entries there are at most, and how much may be kept of a buffer.
     const size_t count = std::min(data[0] % size_t{32}, (size - 2) / kEntrySize);
     const uint8_t* const entries = data + 2;
-    std::vector<uint8_t> buffer(entries + count * kEntrySize, data + size);
-    buffer.reserve(1);
+    std::vector<uint8_t> buffer;
+    buffer.reserve(std::max<size_t>(1, size - 2 - count * kEntrySize));
+    buffer.assign(entries + count * kEntrySize, data + size);
     std::vector<Chunk> chunks;
     for (size_t i = 0; i < count; ++i)
         chunks.push_back(EntryOf(entries + i * kEntrySize, buffer.size()));
@@ -93,7 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     GenApi::CChunkAdapterGeneric adapter(&map.Get(), data[1]);
     Attach(adapter, map, buffer, some);
     Attach(adapter, map, buffer, chunks);
-    std::vector<uint8_t> next(buffer.rbegin(), buffer.rend());
+    std::vector<uint8_t> next = buffer;
+    std::reverse(next.begin(), next.end());
     next.reserve(1);
     try {
         adapter.UpdateBuffer(next.data());
