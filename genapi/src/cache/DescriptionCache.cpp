@@ -8,7 +8,6 @@
 #include <xxhash.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -51,6 +50,7 @@ static_assert(sizeof(Header) == 64, "the image behind it is aligned");
 
 /// Read and checked in parts that stay in the processor's cache in between.
 constexpr size_t kPartSize = size_t{128} * 1024;
+constexpr size_t kFirstPart = size_t{16} * 1024;
 
 class Checksum {
 public:
@@ -80,19 +80,10 @@ public:
     File& operator=(const File&) = delete;
 
     bool IsOpen() const { return m_file >= 0; }
-    size_t Size() const {
-        struct stat status {};
-        return fstat(m_file, &status) == 0 && status.st_size > 0 ? static_cast<size_t>(status.st_size) : 0;
-    }
-    bool Read(char* bytes, size_t size) const {
-        while (size > 0) {
-            const ssize_t got = read(m_file, bytes, size);
-            if (got <= 0)
-                return false;
-            bytes += got;
-            size -= static_cast<size_t>(got);
-        }
-        return true;
+    /// Up to `size`; less at the end of the file.
+    size_t Read(char* bytes, size_t size) const {
+        const ssize_t got = read(m_file, bytes, size);
+        return got > 0 ? static_cast<size_t>(got) : 0;
     }
     bool Write(const void* data, size_t size) const {
         const auto* bytes = static_cast<const char*>(data);
@@ -114,6 +105,16 @@ public:
 private:
     int m_file;
 };
+
+/// False when there is no more memory.
+bool Resize(Memory& memory, size_t size) {
+    void* const resized = std::realloc(memory.get(), size);
+    if (!resized)
+        return false;
+    static_cast<void>(memory.release());
+    memory.reset(static_cast<char*>(resized));
+    return true;
+}
 
 bool EndsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
@@ -146,27 +147,33 @@ std::string DescriptionCache::PathOf(CacheKey key) const {
     return (m_folder + "/").append(name).append(kSuffix);
 }
 
+// For a small description the calls to the system are most of the time: it takes one to read it.
 std::shared_ptr<const Description> DescriptionCache::Read(CacheKey key) const {
     const File file(PathOf(key), O_RDONLY);
-    const size_t size = file.IsOpen() ? file.Size() : 0;
-    if (size < sizeof(Header) + sizeof(Description) || size > sizeof(Header) + kMaxImageSize)
+    Memory memory;
+    if (!file.IsOpen() || !Resize(memory, kFirstPart))
         return nullptr;
-    const std::shared_ptr<char> memory(Memory(static_cast<char*>(std::malloc(size))));
-    if (!memory || !file.Read(memory.get(), sizeof(Header)))
+    const size_t first = file.Read(memory.get(), kFirstPart);
+    Header header;
+    std::memcpy(&header, memory.get(), sizeof header);
+    const size_t size = header.size;
+    if (first < sizeof header + sizeof(Description) || size < first - sizeof header || size > kMaxImageSize ||
+        !Resize(memory, sizeof header + size))
         return nullptr;
-    char* const image = memory.get() + sizeof(Header);
+    char* const image = memory.get() + sizeof header;
     Checksum checksum;
-    for (size_t done = 0; done < size - sizeof(Header);) {
-        const size_t part = std::min(kPartSize, size - sizeof(Header) - done);
-        if (!file.Read(image + done, part))
+    for (size_t done = 0, part = first - sizeof header; done < size;
+         part = file.Read(image + done, std::min(kPartSize, size - done))) {
+        if (part == 0)
             return nullptr;
         checksum.Add(image + done, part);
         done += part;
     }
-    const Header expected = HeaderOf(key, size - sizeof(Header), checksum.Get());
-    if (std::memcmp(memory.get(), &expected, sizeof expected) != 0)
+    const Header expected = HeaderOf(key, size, checksum.Get());
+    if (std::memcmp(&header, &expected, sizeof expected) != 0)
         return nullptr;
-    return {memory, reinterpret_cast<const Description*>(image)};
+    const std::shared_ptr<char> whole(std::move(memory));
+    return {whole, reinterpret_cast<const Description*>(image)};
 }
 
 bool DescriptionCache::Write(CacheKey key, const DescriptionImage& image) const {

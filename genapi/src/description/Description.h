@@ -216,6 +216,7 @@ public:
         const NodeIndex* last;
         const NodeIndex* begin() const { return first; }
         const NodeIndex* end() const { return last; }
+        bool IsEmpty() const { return first == last; }
     };
 
     Range Of(NodeIndex node) const {

@@ -15,8 +15,8 @@ struct Number {
     int64_t integer = 0;
     double real = 0;
 
-    static Number Of(int64_t value) { return {true, value, static_cast<double>(value)}; }
-    static Number Of(double value) { return {false, 0, value}; }
+    static constexpr Number Of(int64_t value) { return {true, value, static_cast<double>(value)}; }
+    static constexpr Number Of(double value) { return {false, 0, value}; }
     double AsDouble() const { return isInteger ? static_cast<double>(integer) : real; }
     /// Towards zero; what doesn't fit sticks to the ends of the range, NaN is 0.
     int64_t AsInteger() const;

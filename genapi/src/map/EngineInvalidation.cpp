@@ -43,7 +43,8 @@ void Engine::Spread(const NodeIndex* from, size_t count, Stale what) {
                 continue;
             m_states[dependent].visit = m_visit;
             Drop(dependent, what);
-            m_open.push_back(dependent);
+            if (!m_description->dependents.Of(dependent).IsEmpty())
+                m_open.push_back(dependent);
         }
     }
     for (const NodeIndex id : m_chunks.idNodes)

@@ -62,7 +62,7 @@ void Engine::ImposeMax(NodeIndex node, Number value) {
 
 // Most whole numbers have limits that stand in the file, or none.
 const Number* Engine::FixedLimit(NodeIndex node, Side side) const {
-    static const Number kOpen[] = {Number::Of(kLowestInteger), Number::Of(kHighestInteger)};
+    static constexpr Number kOpen[] = {Number::Of(kLowestInteger), Number::Of(kHighestInteger)};
     const NodeDescription& description = Node(node);
     if (description.type != NodeType::Integer || !description.error.empty())
         return nullptr;
@@ -205,11 +205,11 @@ std::optional<int64_t> Engine::StatedIncrement(NodeIndex node) {
     const NodeDescription& description = Node(node);
     if (description.type != NodeType::Integer || !description.error.empty())
         return std::nullopt;
+    const SourcePart& source = *description.source;
+    if (!description.limits->inc.given && source.form == SourcePart::Form::Own && source.copies.empty())
+        return std::nullopt;
     if (const auto given = GivenNumber(description.limits->inc))
         return std::max<int64_t>(1, given->AsInteger());
-    const SourcePart& source = *description.source;
-    if (source.form == SourcePart::Form::Own && source.copies.empty())
-        return std::nullopt;
     const Level level(*this, node);
     NodeIndex target = source.node;
     if (source.form == SourcePart::Form::Table) {
