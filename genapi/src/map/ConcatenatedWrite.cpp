@@ -19,12 +19,6 @@ namespace inside {
 
 namespace {
 
-void RequireValidRegisters(INodeMap& map) {
-    const CBooleanPtr valid(map.GetNode("DeviceRegistersValid"));
-    if (valid && IsReadable(valid) && !valid->GetValue(false, true))
-        throw RUNTIME_EXCEPTION("'DeviceRegistersValid' says that the values don't suit each other.");
-}
-
 /// Runs each step whatever became of those before, and keeps what went wrong.
 class Failures {
 public:
@@ -96,14 +90,12 @@ bool NodeMapImpl::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenator, bool 
     Do([&](Engine&) {
         std::optional<StreamingScope> streaming;
         if (FeatureStreaming)
-            failures.Try("DeviceRegistersStreamingStart", [&] {
-                streaming.emplace(*this, "DeviceRegistersStreamingStart", "DeviceRegistersStreamingEnd");
-            });
+            failures.Try(kStreamingStart, [&] { streaming.emplace(*this, kStreamingStart, kStreamingEnd); });
         for (const NodeWriteConcatenator::Entry& entry : values->entries)
             if (pErrors || failures.None())
                 failures.Try(entry.name, [&] { WriteByName(entry.name, entry.value); });
         if (streaming)
-            failures.Try("DeviceRegistersStreamingEnd", [&] { streaming->Close(); });
+            failures.Try(kStreamingEnd, [&] { streaming->Close(); });
         if (FeatureStreaming)
             failures.Try("DeviceRegistersValid", [&] { RequireValidRegisters(*this); });
     });

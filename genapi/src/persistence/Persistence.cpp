@@ -39,13 +39,6 @@ bool IsLocked(INodeMap& map) {
     return locked && IsReadable(locked) && locked->GetValue() != 0;
 }
 
-/// What the device says about the registers as a whole.
-void CheckRegisters(INodeMap& map, gcstring_vector& failures) {
-    const CBooleanPtr valid = map.GetNode("DeviceRegistersValid");
-    if (valid && IsReadable(valid) && !valid->GetValue(false, true))
-        failures.push_back("The device finds its registers inconsistent ('DeviceRegistersValid' is false).");
-}
-
 gcstring_vector Load(INodeMap& map, const gcstring_vector& names, const gcstring_vector& values,
                      bool verify) {
     gcstring_vector failures;
@@ -53,10 +46,14 @@ gcstring_vector Load(INodeMap& map, const gcstring_vector& names, const gcstring
         failures.push_back("The device is streaming ('TLParamsLocked' is not 0): nothing has been loaded.");
         return failures;
     }
-    inside::StreamingScope scope(map, "DeviceRegistersStreamingStart", "DeviceRegistersStreamingEnd");
+    inside::StreamingScope scope(map, inside::kStreamingStart, inside::kStreamingEnd);
     inside::AsOneOperation(map, [&] { failures = inside::LoadFeatures(map, names, values, verify); });
     scope.Close();
-    CheckRegisters(map, failures);
+    try {
+        inside::RequireValidRegisters(map);
+    } catch (const GENICAM_NAMESPACE::RuntimeException& invalid) {
+        failures.push_back(invalid.GetDescription());
+    }
     return failures;
 }
 

@@ -44,4 +44,11 @@ void StreamingScope::Close() {
     ExecuteAndWait(m_map, m_close);
 }
 
+void RequireValidRegisters(INodeMap& map) {
+    const CBooleanPtr valid = map.GetNode("DeviceRegistersValid");
+    if (valid && IsReadable(valid) && !valid->GetValue(false, true))
+        throw RUNTIME_EXCEPTION(
+            "The device finds its registers inconsistent ('DeviceRegistersValid' is false).");
+}
+
 } // namespace GENAPI_NAMESPACE::inside

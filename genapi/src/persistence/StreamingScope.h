@@ -24,4 +24,10 @@ private:
     bool m_open;
 };
 
+/// The bracket around many values that are written without being checked against each other one by one.
+constexpr char kStreamingStart[] = "DeviceRegistersStreamingStart";
+constexpr char kStreamingEnd[] = "DeviceRegistersStreamingEnd";
+/// RuntimeException when the device, once it has all of them, says that they don't suit each other.
+void RequireValidRegisters(INodeMap& map);
+
 } // namespace GENAPI_NAMESPACE::inside

@@ -117,7 +117,8 @@ TEST(ConcatenatedWrite, TheDeviceIsToldWhenValuesStream) {
     EXPECT_FALSE(camera.Write(true));
     ASSERT_EQ(camera.errors.size(), 1u);
     EXPECT_EQ(camera.errors[0],
-              "DeviceRegistersValid: 'DeviceRegistersValid' says that the values don't suit each other.");
+              "DeviceRegistersValid: The device finds its registers inconsistent ('DeviceRegistersValid' is "
+              "false).");
     camera.port.log.clear();
     EXPECT_TRUE(camera.Write(false));
     EXPECT_EQ(camera.Addresses(), (Addresses{0}));
