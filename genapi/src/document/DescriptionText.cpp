@@ -18,6 +18,7 @@ namespace {
 constexpr std::string_view kLocalHeader("PK\x03\x04", 4);
 constexpr std::string_view kEndOfDirectory("PK\x05\x06", 4);
 constexpr size_t kEndOfDirectorySize = 22;
+constexpr std::string_view kEndOfText = "</RegisterDescription>";
 
 uint32_t Little(std::string_view bytes, size_t offset, int count) {
     uint32_t value = 0;
@@ -96,6 +97,9 @@ std::string ReadMember(zip_t* archive, zip_uint64_t index) {
     char chunk[16384];
     for (;;) {
         const zip_int64_t got = zip_fread(file.get(), chunk, sizeof chunk);
+        // Comes behind the last byte: some devices store a checksum of something else.
+        if (got < 0 && zip_error_code_zip(zip_file_get_error(file.get())) == ZIP_ER_CRC)
+            return text;
         if (got < 0)
             throw RUNTIME_EXCEPTION("The zipped description can't be unpacked: %s.",
                                     zip_file_strerror(file.get()));
@@ -216,6 +220,11 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
+size_t BeginOfText(std::string_view bytes) {
+    const size_t declaration = bytes.find("<?xml");
+    return declaration == bytes.npos ? bytes.find("<RegisterDescription") : declaration;
+}
+
 } // namespace
 
 std::string_view UnpackDescription(std::string_view bytes, std::string& storage) {
@@ -223,9 +232,17 @@ std::string_view UnpackDescription(std::string_view bytes, std::string& storage)
         throw RUNTIME_EXCEPTION("The description is larger than %zu bytes.", kMaxDescriptionSize);
     if (bytes.substr(0, kLocalHeader.size()) != kLocalHeader)
         return bytes;
-    const Archive archive = OpenArchive(ArchiveIn(bytes));
-    storage = ReadMember(archive.get(), ChooseMember(archive.get()));
-    return storage;
+    try {
+        const Archive archive = OpenArchive(ArchiveIn(bytes));
+        storage = ReadMember(archive.get(), ChooseMember(archive.get()));
+        return storage;
+    } catch (const GENICAM_NAMESPACE::RuntimeException&) {
+        // A damaged archive may still hold the whole text as it is.
+        const size_t begin = BeginOfText(bytes);
+        if (begin == bytes.npos || bytes.find(kEndOfText, begin) == bytes.npos)
+            throw;
+        return bytes.substr(begin);
+    }
 }
 
 std::string_view CleanDescription(std::string_view text, std::string& storage) {
@@ -234,15 +251,12 @@ std::string_view CleanDescription(std::string_view text, std::string& storage) {
         text = storage;
     }
     text = text.substr(0, text.find('\0'));
-    size_t begin = text.find("<?xml");
-    if (begin == text.npos)
-        begin = text.find("<RegisterDescription");
+    const size_t begin = BeginOfText(text);
     if (begin != text.npos)
         text.remove_prefix(begin);
-    constexpr std::string_view kEnd = "</RegisterDescription>";
-    const size_t end = text.rfind(kEnd);
+    const size_t end = text.rfind(kEndOfText);
     if (end != text.npos)
-        text = text.substr(0, end + kEnd.size());
+        text = text.substr(0, end + kEndOfText.size());
     if (IsUtf8(text))
         return text;
     storage = RepairUtf8(text);

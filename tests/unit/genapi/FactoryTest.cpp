@@ -20,16 +20,18 @@ struct Member {
     std::string content;
 };
 
-std::string Zip(const std::vector<Member>& members) {
+std::string Zip(const std::vector<Member>& members, zip_int32_t method = ZIP_CM_DEFAULT) {
     zip_error_t error;
     zip_error_init(&error);
     zip_source_t* const memory = zip_source_buffer_create(nullptr, 0, 0, &error);
     zip_source_keep(memory);
     zip_t* const archive = zip_open_from_source(memory, ZIP_TRUNCATE, &error);
-    for (const Member& member : members)
-        zip_file_add(archive, member.name.c_str(),
-                     zip_source_buffer(archive, member.content.data(), member.content.size(), 0),
-                     ZIP_FL_OVERWRITE);
+    for (const Member& member : members) {
+        const zip_int64_t index = zip_file_add(
+            archive, member.name.c_str(),
+            zip_source_buffer(archive, member.content.data(), member.content.size(), 0), ZIP_FL_OVERWRITE);
+        zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), method, 0);
+    }
     zip_close(archive);
     zip_source_open(memory);
     zip_source_seek(memory, 0, SEEK_END);
@@ -82,6 +84,20 @@ TEST(Factory, RecognisesZipByContent) {
 
 TEST(Factory, ToleratesPaddingBehindTheArchive) {
     EXPECT_EQ(Width(Open(Zip({{"cam.xml", kXml}}) + std::string(500, '\0'))), 640);
+}
+
+TEST(Factory, ToleratesAWrongChecksum) {
+    std::string zip = Zip({{"cam.xml", kXml}}, ZIP_CM_STORE);
+    zip.replace(zip.find("640"), 3, "641");
+    EXPECT_EQ(Width(Open(zip)), 641);
+}
+
+TEST(Factory, FindsTheTextInADamagedArchive) {
+    const std::string zip = Zip({{"cam.xml", kXml}}, ZIP_CM_STORE);
+    const size_t directory = zip.find("PK\x01\x02");
+    ASSERT_NE(directory, std::string::npos);
+    EXPECT_EQ(Width(Open(zip.substr(0, directory))), 640);
+    EXPECT_NE(Refusal(zip.substr(0, directory - 30)).find("can't be opened"), std::string::npos);
 }
 
 TEST(Factory, RefusesZipBombsAndBrokenArchives) {
