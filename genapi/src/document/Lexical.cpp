@@ -45,10 +45,6 @@ int64_t Round(double value) {
     return Truncate(std::round(value));
 }
 
-int64_t Number::AsInteger() const {
-    return isInteger ? integer : Truncate(real);
-}
-
 std::string_view Trim(std::string_view text) {
     while (!text.empty() && IsSpace(text.front()))
         text.remove_prefix(1);

@@ -9,6 +9,11 @@
 
 namespace GENAPI_NAMESPACE::inside {
 
+/// Towards zero; what doesn't fit sticks to the ends of the range, NaN is 0.
+int64_t Truncate(double value);
+/// To the nearest, halves away from zero; saturating like Truncate.
+int64_t Round(double value);
+
 /// A number that knows whether it is whole.
 struct Number {
     bool isInteger = true;
@@ -18,14 +23,8 @@ struct Number {
     static constexpr Number Of(int64_t value) { return {true, value, static_cast<double>(value)}; }
     static constexpr Number Of(double value) { return {false, 0, value}; }
     double AsDouble() const { return isInteger ? static_cast<double>(integer) : real; }
-    /// Towards zero; what doesn't fit sticks to the ends of the range, NaN is 0.
-    int64_t AsInteger() const;
+    int64_t AsInteger() const { return isInteger ? integer : Truncate(real); }
 };
-
-/// Towards zero; what doesn't fit sticks to the ends of the range, NaN is 0.
-int64_t Truncate(double value);
-/// To the nearest, halves away from zero; saturating like Truncate.
-int64_t Round(double value);
 
 /// Without the white space at both ends.
 std::string_view Trim(std::string_view text);

@@ -27,14 +27,6 @@ Engine::Engine(std::shared_ptr<const Description> description)
     FindChunkPorts();
 }
 
-// A file can make every node ask its neighbour twice, and so on: without a budget that doubles with every
-// link of a chain.
-bool Engine::SpendStep() {
-    constexpr int kMaxSteps = 1'000'000;
-    m_steps = m_depth == 0 ? 1 : m_steps + 1;
-    return m_steps <= kMaxSteps;
-}
-
 void Engine::Connect(NodeIndex port, IPort* implementation) {
     Port(port).implementation = implementation;
     AccessChanged(port);

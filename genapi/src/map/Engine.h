@@ -151,7 +151,13 @@ private:
     class Level;
     class Variables;
 
-    bool SpendStep();
+    /// A file can make every node ask its neighbour twice, and so on: without a budget that doubles with
+    /// every link of a chain.
+    bool SpendStep() {
+        constexpr int kMaxSteps = 1'000'000;
+        m_steps = m_depth == 0 ? 1 : m_steps + 1;
+        return m_steps <= kMaxSteps;
+    }
     Modes ModesOf(NodeIndex node);
     Modes ComputeModes(NodeIndex node);
     Modes BaseModes(NodeIndex node);
