@@ -174,6 +174,9 @@ void PackSingle(const PixelFormat& format, const uint16_t* values, size_t width,
         BitWriter writer(target);
         for (size_t x = 0; x < width; ++x)
             writer.Put(values[x], format.bits);
+    } else if (format.bits <= 8) {
+        for (size_t x = 0; x < width; ++x)
+            target[x] = static_cast<uint8_t>(values[x]);
     } else {
         for (size_t x = 0; x < width; ++x)
             target = PutWhole(target, values[x], format.bits);
@@ -195,10 +198,19 @@ void MixBayer(const PixelFormat& format, const ColourLine& line, size_t width, u
         mixed[x] = lines[x % 2][x];
 }
 
-void MixMono(const ColourLine& line, size_t width, uint16_t* mixed) {
-    for (size_t x = 0; x < width; ++x)
-        mixed[x] =
-            static_cast<uint16_t>((299U * line.red[x] + 587U * line.green[x] + 114U * line.blue[x]) / 1000U);
+void MixMono(const ColourLine& line, uint32_t bits, size_t width, uint16_t* mixed) {
+    if (bits <= 8) {
+        // A float has every sum of these exactly, and its product is never below a whole number that it
+        // should reach. Compilers multiply several floats at once, but divide no whole numbers.
+        for (size_t x = 0; x < width; ++x) {
+            const float luma = 299.0F * line.red[x] + 587.0F * line.green[x] + 114.0F * line.blue[x];
+            mixed[x] = static_cast<uint16_t>(static_cast<int32_t>(luma * 0.001F));
+        }
+    } else {
+        for (size_t x = 0; x < width; ++x)
+            mixed[x] = static_cast<uint16_t>(
+                (299U * line.red[x] + 587U * line.green[x] + 114U * line.blue[x]) / 1000U);
+    }
 }
 
 void PackColour(const PixelFormat& format, const ColourLine& line, size_t width, uint8_t* target) {

@@ -50,10 +50,29 @@ void Painter::DrawLine(const Scene& scene, const PixelFormat& format, const Tone
         if (format.Bayer())
             MixBayer(format, line, width, row, m_mixed.data());
         else
-            MixMono(line, width, m_mixed.data());
+            MixMono(line, format.bits, width, m_mixed.data());
         values = m_mixed.data();
     }
     PackSingle(format, values, width, target);
+}
+
+bool Painter::DrawPeriod(const Scene& scene, const PixelFormat& format, const ToneCurve& tone,
+                         uint64_t frameId, uint32_t row, uint8_t* target) {
+    constexpr uint32_t levels = 256;
+    if (!LevelsRepeat(scene.pattern) || format.bits != 8 || format.packing != Packing::Whole ||
+        scene.region.width <= levels)
+        return false;
+    Scene period = scene;
+    period.region.width = levels;
+    DrawLine(period, format, tone, frameId, row, target);
+    const size_t lineSize = size_t{scene.region.width} * format.BitsPerPixel() / 8;
+    // What is there already is copied behind itself, twice as much each time.
+    size_t done = size_t{levels} * format.BitsPerPixel() / 8;
+    for (size_t piece = 0; done < lineSize; done += piece) {
+        piece = std::min(done, lineSize - done);
+        std::memcpy(target + done, target, piece);
+    }
+    return true;
 }
 
 size_t Painter::Draw(const Scene& scene, const PixelFormat& format, const ToneCurve& tone, uint64_t frameId,
@@ -73,6 +92,11 @@ size_t Painter::Draw(const Scene& scene, const PixelFormat& format, const ToneCu
             continue;
         }
         if (copied && CopyGreyLine(scene, frameId, row, target + drawn, count)) {
+            drawn += count;
+            continue;
+        }
+        if (count == lineSize && planes == 1 &&
+            DrawPeriod(scene, format, tone, frameId, row, target + drawn)) {
             drawn += count;
             continue;
         }

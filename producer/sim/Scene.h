@@ -70,6 +70,9 @@ ColourLine LookAt(const Scene& scene, uint64_t frameId, uint32_t row, uint32_t b
 /// Whether all lines of a picture are alike.
 bool LinesRepeat(TestPattern pattern);
 
+/// Whether a line begins anew after as many pixels as there are levels.
+bool LevelsRepeat(TestPattern pattern);
+
 /// Draws a line of bytes, one a pixel, where that is no more than copying; false for every other scene.
 bool CopyGreyLine(const Scene& scene, uint64_t frameId, uint32_t row, uint8_t* target, size_t count);
 

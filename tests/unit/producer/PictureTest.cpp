@@ -3,6 +3,8 @@
 #include "Hex.h"
 #include "producer/sim/Painter.h"
 
+#include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -143,6 +145,43 @@ TEST(Picture, NoiseFollowsFromItsSeed) {
     EXPECT_NE(Draw(scene, "Mono8"), first);
     scene.seed = 0;
     EXPECT_EQ(Draw(scene, "Mono8"), first);
+}
+
+/// What is copied in one piece is what is worked out pixel by pixel for a picture that is reversed.
+TEST(Picture, CopiedLinesAreThoseOfTheReversedPicture) {
+    for (uint32_t pattern = 0; pattern < testPatternCount; ++pattern) {
+        Scene scene = SceneOf(static_cast<TestPattern>(pattern), 21, 3);
+        scene.sensorWidth = 64;
+        scene.region.x = 5;
+        const std::vector<uint8_t> plain = Draw(scene, "Mono8", 3);
+        scene.reverseX = true;
+        scene.region.x = scene.sensorWidth - 21 - 5;
+        std::vector<uint8_t> reversed = Draw(scene, "Mono8", 3);
+        for (size_t row = 0; row < 3; ++row)
+            std::reverse(reversed.begin() + 21 * row, reversed.begin() + 21 * (row + 1));
+        EXPECT_EQ(plain, reversed) << pattern;
+    }
+}
+
+/// Lines that are put together from equal pieces are those that are drawn pixel by pixel where nothing fits.
+TEST(Picture, LongLinesAreThoseOfTheirPieces) {
+    for (const char* name : {"Mono8", "BayerRG8", "RGB8", "YCbCr422_8", "YCbCr411_8_CbYYCrYY"}) {
+        Scene scene = SceneOf(TestPattern::ColorRampMoving, 640, 4);
+        scene.sensorWidth = 2000;
+        scene.binningX = 3;
+        const std::vector<uint8_t> whole = Draw(scene, name, 7);
+        const size_t lineSize = whole.size() / 4;
+        for (uint32_t start = 0; start < 640; start += 128) {
+            scene.region.x = start;
+            scene.region.width = 128;
+            const std::vector<uint8_t> piece = Draw(scene, name, 7);
+            const size_t size = lineSize / 5;
+            for (size_t row = 0; row < 4; ++row)
+                EXPECT_EQ(std::memcmp(&piece[row * size], &whole[row * lineSize + start / 128 * size], size),
+                          0)
+                    << name << start;
+        }
+    }
 }
 
 TEST(Picture, ReverseAndBinning) {
