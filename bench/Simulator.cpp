@@ -289,7 +289,7 @@ void StreamSixteen(int seconds) {
     const auto begin = Clock::now();
     for (const Library::Listed& device : library.devices) {
         threads.emplace_back([&device, &lost, wanted] {
-            Camera camera(device, 8, 0);
+            Camera camera(device, 30, 0); // a second of them: threads of a busy machine may wait for long
             camera.Start();
             for (uint64_t id = 0; id + 1 < wanted;) {
                 const BUFFER_HANDLE buffer = camera.Next();

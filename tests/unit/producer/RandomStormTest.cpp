@@ -84,9 +84,10 @@ private:
     void Closing();
 
     void* Take(Is kind) { return m_bag.Take(kind, m_dice); }
-    void Keep(GC_ERROR result, Is kind, void* handle) {
-        if (result == GC_ERR_SUCCESS)
-            m_bag.Put(kind, handle);
+    /// What a call has put into m_out.
+    void Keep(GC_ERROR result, Is kind) {
+        if (result == GC_ERR_SUCCESS && m_out != nullptr)
+            m_bag.Put(kind, m_out);
     }
     /// Now and then a pointer that is none, or too little room.
     template <class T>
@@ -175,17 +176,17 @@ void Caller::Opening() {
     m_out = nullptr;
     switch (m_dice.Below(5)) {
     case 0:
-        return Keep(gentl.TLOpen(Or(&m_out)), Is::System, m_out);
+        return Keep(gentl.TLOpen(Or(&m_out)), Is::System);
     case 1:
-        return Keep(gentl.TLOpenInterface(Take(Is::System), InterfaceId(), Or(&m_out)), Is::Interface, m_out);
+        return Keep(gentl.TLOpenInterface(Take(Is::System), InterfaceId(), Or(&m_out)), Is::Interface);
     case 2:
         return Keep(gentl.IFOpenDevice(Take(Is::Interface), DeviceId(),
                                        static_cast<DEVICE_ACCESS_FLAGS>(m_dice.Below(6)), Or(&m_out)),
-                    Is::Device, m_out);
+                    Is::Device);
     case 3:
-        return Keep(gentl.DevGetPort(Take(Is::Device), Or(&m_out)), Is::Remote, m_out);
+        return Keep(gentl.DevGetPort(Take(Is::Device), Or(&m_out)), Is::Remote);
     default:
-        return Keep(gentl.DevOpenDataStream(Take(Is::Device), Or("Stream0"), Or(&m_out)), Is::Stream, m_out);
+        return Keep(gentl.DevOpenDataStream(Take(Is::Device), Or("Stream0"), Or(&m_out)), Is::Stream);
     }
 }
 
@@ -292,9 +293,9 @@ void Caller::Events() {
     m_out = nullptr;
     switch (m_dice.Below(9)) {
     case 0:
-        return Keep(gentl.GCRegisterEvent(Module(), type, Or(&m_out)), Is::Event, m_out);
+        return Keep(gentl.GCRegisterEvent(Module(), type, Or(&m_out)), Is::Event);
     case 1:
-        return Keep(gentl.GCRegisterEvent(Take(Is::Stream), EVENT_NEW_BUFFER, Or(&m_out)), Is::Event, m_out);
+        return Keep(gentl.GCRegisterEvent(Take(Is::Stream), EVENT_NEW_BUFFER, Or(&m_out)), Is::Event);
     case 2:
         gentl.GCUnregisterEvent(Module(), type);
         break;
@@ -328,17 +329,17 @@ void Caller::Buffers() {
     m_out = nullptr;
     switch (m_dice.Below(11)) {
     case 0:
-        return Keep(gentl.DSAllocAndAnnounceBuffer(stream, size, this, Or(&m_out)), Is::Buffer, m_out);
+        return Keep(gentl.DSAllocAndAnnounceBuffer(stream, size, this, Or(&m_out)), Is::Buffer);
     case 1:
         return Keep(
             gentl.DSAnnounceBuffer(stream, Or<void>(memory[m_dice.Below(64)]), size, this, Or(&m_out)),
-            Is::Buffer, m_out);
+            Is::Buffer);
     case 2:
         gentl.DSRevokeBuffer(stream, buffer, Or(&m_out), nullptr);
         break;
     case 3:
         return Keep(gentl.DSGetBufferID(stream, static_cast<uint32_t>(m_dice.Below(8)), Or(&m_out)),
-                    Is::Buffer, m_out);
+                    Is::Buffer);
     case 4:
         gentl.DSGetBufferInfo(stream, buffer, Command(), Or(&m_type), Or(m_room), Size());
         break;
