@@ -37,8 +37,14 @@ void StreamEngine::RequireAnnounced(const BufferModule& buffer) const {
         throw Failure(GenTL::GC_ERR_INVALID_HANDLE, "the buffer is not announced on this stream");
 }
 
+void StreamEngine::RequireOpen() const {
+    if (m_quit)
+        throw Failure(GenTL::GC_ERR_INVALID_HANDLE, "the stream has been closed");
+}
+
 void StreamEngine::Announce(std::shared_ptr<BufferModule> buffer) {
     std::lock_guard<std::mutex> guard(m_lock);
+    RequireOpen();
     m_pool.Announce(std::move(buffer));
 }
 
@@ -65,6 +71,7 @@ std::vector<std::shared_ptr<BufferModule>> StreamEngine::Buffers() const {
 
 void StreamEngine::Queue(BufferModule& buffer) {
     std::lock_guard<std::mutex> guard(m_lock);
+    RequireOpen();
     RequireAnnounced(buffer);
     if (buffer.CurrentPlace() != Place::Idle)
         throw Failure(GenTL::GC_ERR_RESOURCE_IN_USE,
@@ -77,6 +84,7 @@ void StreamEngine::Queue(BufferModule& buffer) {
 
 void StreamEngine::Flush(GenTL::ACQ_QUEUE_TYPE operation) {
     Lock lock(m_lock);
+    RequireOpen();
     const Pause pause(*this, lock);
     switch (operation) {
     case GenTL::ACQ_QUEUE_INPUT_TO_OUTPUT:
@@ -134,6 +142,7 @@ void StreamEngine::Start(uint64_t frames) {
     std::lock_guard<std::mutex> guard(m_lock);
     if (frames == 0)
         throw Failure(GenTL::GC_ERR_INVALID_PARAMETER, "0 frames can't be acquired");
+    RequireOpen();
     if (m_stopOwed)
         throw Failure(GenTL::GC_ERR_RESOURCE_IN_USE, "the acquisition is started already");
     if (m_pool.Announced().size() < buffersMin)

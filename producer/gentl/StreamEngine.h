@@ -116,6 +116,8 @@ private:
     void Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket);
     void Deliver(BufferModule& buffer);
     void DeliverUnfinished();
+    /// GC_ERR_INVALID_HANDLE after Shutdown: a thread may still be in a call when another closes the stream.
+    void RequireOpen() const;
     void CancelCurrent(Place to);
     void Requeue(Place from);
     [[nodiscard]] bool Flowing() const;

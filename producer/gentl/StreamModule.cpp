@@ -158,8 +158,13 @@ std::shared_ptr<Event> StreamModule::MakeEvent(GenTL::EVENT_TYPE type) {
 void StreamModule::Close() {
     m_engine->Shutdown();
     UnregisterEvents();
-    for (const std::shared_ptr<BufferModule>& buffer : m_engine->Buffers())
-        Revoke(*buffer, nullptr, nullptr);
+    for (const std::shared_ptr<BufferModule>& buffer : m_engine->Buffers()) {
+        try {
+            Revoke(*buffer, nullptr, nullptr);
+        } catch (const Failure&) {
+            // Another thread has just revoked it.
+        }
+    }
     m_parent->Forget(*this);
 }
 

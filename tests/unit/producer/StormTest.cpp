@@ -95,6 +95,30 @@ TEST_F(Storm, ClosingUnderRunningCallsIsSafe) {
     }
 }
 
+TEST_F(Storm, BuffersAnnouncedDuringAClosingGoWithTheStream) {
+    Open();
+    for (int round = 0; round < 200; ++round) {
+        OpenStream();
+        std::vector<BUFFER_HANDLE> announced;
+        std::atomic<bool> begun{false};
+        std::thread announcer([&] {
+            BUFFER_HANDLE buffer = nullptr;
+            while (announced.size() < 300 &&
+                   gentl.DSAllocAndAnnounceBuffer(stream, 64, nullptr, &buffer) == GC_ERR_SUCCESS) {
+                announced.push_back(buffer);
+                begun = true;
+            }
+        });
+        ASSERT_TRUE(Eventually([&] { return begun.load(); }));
+        ASSERT_EQ(gentl.DSClose(stream), GC_ERR_SUCCESS);
+        announcer.join();
+        for (BUFFER_HANDLE buffer : announced) {
+            EVENT_HANDLE event = nullptr;
+            ASSERT_EQ(gentl.GCRegisterEvent(buffer, EVENT_ERROR, &event), GC_ERR_INVALID_HANDLE);
+        }
+    }
+}
+
 TEST_F(Storm, OneOfManyClosersWins) {
     for (int round = 0; round < 50; ++round) {
         system = OpenSystem();
