@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 MINUTES ?= 5
 CONFIGURE = cmake --preset $(1) -DZQAPI_WARNINGS_AS_ERRORS=$(WERROR)
 
-.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak bench install format clean
+.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak coverage fuzz bench install format clean
 
 all: build
 
@@ -37,6 +37,15 @@ soak: deps
 	cmake --build --preset release -j $(JOBS) --target soak
 	GENICAM_GENTL64_PATH=build/release/lib build/release/bin/soak --seconds $$((60 * $(MINUTES))) \
 		$(if $(SEED),--seed $(SEED))
+
+coverage:
+	@scripts/deps.sh coverage
+	scripts/coverage.sh $(JOBS)
+
+# All targets share the time; TARGETS names some.
+fuzz:
+	@scripts/deps.sh fuzz
+	scripts/fuzz.sh $(MINUTES) $(JOBS) $(TARGETS)
 
 bench: build
 	@scripts/bench.sh build/release

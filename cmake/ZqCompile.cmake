@@ -23,3 +23,10 @@ if(ZQAPI_SANITIZE)
     endif()
     add_compile_definitions(ZQAPI_SANITIZED)
 endif()
+
+# Every branch as it is written, and counters that several threads may raise.
+set(CMAKE_C_FLAGS_COVERAGE "-O0")
+set(CMAKE_CXX_FLAGS_COVERAGE "-O0")
+if(ZQAPI_COVERAGE)
+    add_link_options(--coverage)
+endif()

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <random>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <zip.h>
@@ -66,9 +67,9 @@ TEST_F(BadProducerFile, FolderOfThatNameIsLeftToTheLoader) {
 }
 
 TEST_F(BadProducerFile, LibraryWithoutTheFunctionsHasNoGCInitLib) {
-    fs::create_symlink("/lib/x86_64-linux-gnu/libm.so.6", File());
-    if (!fs::exists(File()))
-        GTEST_SKIP() << "no such library on this machine";
+    Dl_info library{};
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(&std::fopen), &library), 0);
+    fs::create_symlink(fs::canonical(library.dli_fname), File());
     EXPECT_EQ(CatchProducerError(Open).text, "-1003 = GCInitLib()");
 }
 
@@ -160,9 +161,15 @@ TEST_F(BadDescription, DamagedZipIsRefused) {
     EXPECT_NE(OpenWith("camera.zip", bytes), "opened");
 }
 
+#ifdef ZQAPI_SLOWED_DOWN
+constexpr size_t FAR_TOO_LARGE = 128u << 20;
+#else
+constexpr size_t FAR_TOO_LARGE = 1u << 30;
+#endif
+
 TEST_F(BadDescription, ZipThatUnpacksToGigabytesIsRefused) {
     // Deflate packs a thousand to one; the directory's word of its size must not be believed either way.
-    const std::string bomb = Zipped("camera.xml", std::string(1u << 30, ' '));
+    const std::string bomb = Zipped("camera.xml", std::string(FAR_TOO_LARGE, ' '));
     ASSERT_LT(bomb.size(), 4u << 20);
     EXPECT_NE(OpenWith("camera.zip", bomb), "opened");
 }
