@@ -55,6 +55,13 @@ TEST_F(SystemModule, AnswersWhatTheProducerSaysOfItself) {
     EXPECT_EQ(system->GetZqSystemVendor(), ZqSystemVendor_Default);
 }
 
+TEST_F(SystemModule, HandleOfAFailedTLOpenIsNotBelieved) {
+    expectNothingOpen = false;
+    producer.Answer("TLOpen").With(GC_ERR_IO).AlsoRuns();
+    EXPECT_EQ(OpenFails().text, "-1010 = TLOpen(PTR)");
+    EXPECT_EQ(producer.Log({"TLClose", "GCCloseLib"}), (Calls{"GCCloseLib()"}));
+}
+
 TEST_F(SystemModule, FailingTLOpenLeavesNothingLoaded) {
     producer.Answer("TLOpen").With(GC_ERR_RESOURCE_IN_USE).Saying("one at a time");
     const Thrown thrown = OpenFails();
