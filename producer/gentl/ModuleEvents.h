@@ -26,7 +26,7 @@ public:
     template <class Number>
     void Send(Number number, uint64_t frameId = 0) {
         const auto event = static_cast<uint32_t>(number);
-        if (((m_mask.load(std::memory_order_relaxed) >> event) & 1) != 0)
+        if (((m_mask.load(std::memory_order_acquire) >> event) & 1) != 0)
             SendNow(event, frameId);
     }
 
