@@ -108,6 +108,37 @@ TEST(Access, ModeIsKeptUntilAPredicateChanges) {
     EXPECT_EQ(camera.Node("A")->IsAccessModeCacheable(), Yes);
 }
 
+TEST(Access, ModesFollowWhateverDecidesThem) {
+    const std::string knife = "<pVariable Name=\"V\">Lock</pVariable><Formula>V+1</Formula>";
+    Camera camera(
+        IntReg("LockReg", 0) + IntReg("R", 4) + Feature("Lock", "<pValue>LockReg</pValue>") +
+        Feature("Own", "<pIsLocked>Knife</pIsLocked><Value>1</Value>") +
+        ::Node("IntSwissKnife", "Knife", "<pVariable Name=\"V\">Own</pVariable><Formula>V>5</Formula>") +
+        ::Node("IntSwissKnife", "Plain", knife) +
+        Feature("Locked", "<pIsLocked>Lock</pIsLocked><pValue>R</pValue>") +
+        Feature("OverLocked", "<pValue>Locked</pValue>") +
+        Feature("Table", "<pIndex>Lock</pIndex><ValueIndexed Index=\"0\">3</ValueIndexed>") +
+        ::Node("IntSwissKnife", "OverTable", "<pVariable Name=\"V\">Table</pVariable><Formula>V</Formula>"));
+    const auto modes = [&] {
+        return std::vector<EAccessMode>{camera.Mode("Locked"), camera.Mode("OverLocked"),
+                                        camera.Mode("Table"), camera.Mode("OverTable"), camera.Mode("Plain")};
+    };
+    EXPECT_EQ(modes(), (std::vector<EAccessMode>{RW, RW, RW, RO, RO}));
+    camera.Int("Lock")->SetValue(1);
+    EXPECT_EQ(modes(), (std::vector<EAccessMode>{RO, RO, NA, NA, RO}));
+    camera.Int("Lock")->SetValue(0);
+    EXPECT_EQ(modes(), (std::vector<EAccessMode>{RW, RW, RW, RO, RO}));
+    camera.Node("LockReg")->ImposeAccessMode(WO);
+    EXPECT_EQ(modes(), (std::vector<EAccessMode>{NA, NA, NA, NA, NA}));
+    camera.Node("LockReg")->ImposeAccessMode(RW);
+    EXPECT_EQ(modes(), (std::vector<EAccessMode>{RW, RW, RW, RO, RO}));
+    camera.map._Connect(nullptr);
+    EXPECT_EQ(modes(), (std::vector<EAccessMode>{NA, NA, NA, NA, NA}));
+    EXPECT_EQ(camera.Mode("Own"), RW);
+    camera.Int("Own")->SetValue(6); // locks itself
+    EXPECT_EQ(camera.Mode("Own"), RO);
+}
+
 TEST(Access, PredicateThatIsNeverKeptIsAskedEveryTime) {
     Camera camera(Feature("A", "<pIsAvailable>Flag</pIsAvailable><Value>1</Value>") +
                   IntReg("Flag", 0, 4, "<Cachable>NoCache</Cachable>"));
