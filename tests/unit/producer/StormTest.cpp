@@ -97,24 +97,29 @@ TEST_F(Storm, ClosingUnderRunningCallsIsSafe) {
 
 TEST_F(Storm, BuffersAnnouncedDuringAClosingGoWithTheStream) {
     Open();
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 100; ++round) {
         OpenStream();
-        std::vector<BUFFER_HANDLE> announced;
-        std::atomic<bool> begun{false};
-        std::thread announcer([&] {
-            BUFFER_HANDLE buffer = nullptr;
-            while (announced.size() < 300 &&
-                   gentl.DSAllocAndAnnounceBuffer(stream, 64, nullptr, &buffer) == GC_ERR_SUCCESS) {
-                announced.push_back(buffer);
-                begun = true;
-            }
-        });
-        ASSERT_TRUE(Eventually([&] { return begun.load(); }));
+        std::vector<BUFFER_HANDLE> announced[4];
+        std::atomic<int> begun{0};
+        std::vector<std::thread> announcers;
+        for (std::vector<BUFFER_HANDLE>& own : announced) {
+            announcers.emplace_back([&] {
+                ++begun;
+                BUFFER_HANDLE buffer = nullptr;
+                while (own.size() < 1000 &&
+                       gentl.DSAllocAndAnnounceBuffer(stream, 64, nullptr, &buffer) == GC_ERR_SUCCESS)
+                    own.push_back(buffer);
+            });
+        }
+        ASSERT_TRUE(Eventually([&] { return begun == 4; }));
         ASSERT_EQ(gentl.DSClose(stream), GC_ERR_SUCCESS);
-        announcer.join();
-        for (BUFFER_HANDLE buffer : announced) {
-            EVENT_HANDLE event = nullptr;
-            ASSERT_EQ(gentl.GCRegisterEvent(buffer, EVENT_ERROR, &event), GC_ERR_INVALID_HANDLE);
+        for (std::thread& announcer : announcers)
+            announcer.join();
+        for (const std::vector<BUFFER_HANDLE>& own : announced) {
+            for (BUFFER_HANDLE buffer : own) {
+                EVENT_HANDLE event = nullptr;
+                ASSERT_EQ(gentl.GCRegisterEvent(buffer, EVENT_ERROR, &event), GC_ERR_INVALID_HANDLE);
+            }
         }
     }
 }
