@@ -11,7 +11,9 @@ namespace {
 } // namespace
 
 void CheckRange(const char* name, int64_t value, int64_t min, int64_t max, int64_t increment) {
-    if (value < min || value > max || (value - min) % increment != 0)
+    // The difference of two whole numbers may be larger than any.
+    const uint64_t above = static_cast<uint64_t>(value) - static_cast<uint64_t>(min);
+    if (value < min || value > max || above % static_cast<uint64_t>(increment) != 0)
         Refuse(name, std::to_string(value),
                "from " + std::to_string(min) + " to " + std::to_string(max) + " in steps of " +
                    std::to_string(increment));

@@ -36,8 +36,8 @@ void SeeFrameRate(Rig& rig, const Written& v) {
 }
 
 void SeeExposureAuto(Rig& rig, const Written& v) {
+    double last = 1000.0; // after opening
     rig.Begin();
-    double last = rig.Real("ExposureTime");
     size_t changes = 0;
     for (int i = 0; i < 8; ++i) {
         std::optional<Frame> frame = rig.Next();
