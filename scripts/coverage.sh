@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Which branches of the library the tests reach: a table by file, and the branches that none reaches.
 #   scripts/coverage.sh [<jobs>]
-# The report is build/coverage/coverage.txt. Branches that only an exception passing through would take are left out:
-# the compiler makes one behind nearly every call.
+# build/coverage/coverage.txt is the report by file, build/coverage/uncovered.txt lists each line that decides something
+# with a branch that no test takes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs="${1:-$(nproc)}"
@@ -19,4 +19,5 @@ ctest --test-dir "$build" --no-tests=error --output-on-failure -j "$jobs" \
     echo "coverage: not every test passed" >&2
 gcovr --root . "$build" -j "$jobs" --branches --exclude-throw-branches --exclude-unreachable-branches \
     --filter 'ZqApi_TL/' --filter 'ZqSDKCommon/' --filter 'ZqGenTLCommon/' --filter 'genapi/' \
-    --txt "$build/coverage.txt" --json "$build/coverage.json" --print-summary
+    --txt "$build/coverage.txt" --json "$build/coverage.json"
+scripts/coverage_report.py "$build/coverage.json" "$build/uncovered.txt"
