@@ -105,6 +105,9 @@ private:
     void Schedule(const FrameTicket& ticket);
     /// Called without the lock. Costs nothing while the event is off.
     void Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs);
+    /// Lets go of the lock meanwhile; false when the buffer has been taken away since.
+    bool SendMeanwhile(Lock& lock, EventKind kind, const BufferModule& buffer, const FrameTicket& ticket,
+                       uint64_t timestampNs);
     void TriggeredFrame(Lock& lock, FrameTicket& ticket);
     /// Called without the lock.
     void Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
@@ -112,6 +115,8 @@ private:
     /// Begins a frame; the buffer for it, or null where there is none to fill.
     BufferModule* BeginExposure(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
     BufferModule& TakeNext();
+    /// Fills a buffer that the thread has taken, and delivers it unless it is taken away.
+    void Write(Lock& lock, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
     /// Delivers a frame that has been written, late if it is to be.
     void Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket);
     void Deliver(BufferModule& buffer);

@@ -66,28 +66,28 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
         return;
     }
     BufferModule& buffer = TakeNext();
-    m_writing = true;
+    m_beginning = true;
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
     const bool dropped = begun && ticket.plan.faults.Drops(ticket.frameId);
-    if (begun) {
-        const auto timestampNs = static_cast<uint64_t>(SteadyNow());
-        Send(EventKind::FrameStart, ticket, timestampNs);
-        Send(EventKind::ExposureEnd, ticket, timestampNs);
-        if (!dropped)
-            Fill(buffer, ticket, timestampNs);
-        Send(EventKind::FrameEnd, ticket, timestampNs);
-    }
+    const auto timestampNs = static_cast<uint64_t>(SteadyNow());
+    if (dropped)
+        for (const EventKind kind : {EventKind::FrameStart, EventKind::ExposureEnd, EventKind::FrameEnd})
+            Send(kind, ticket, timestampNs);
     lock.lock();
-    m_writing = false;
-    if (begun && !dropped) {
-        ++m_counters.started;
-        Finish(lock, buffer, ticket);
+    m_beginning = false;
+    m_settled.notify_all();
+    if (m_current != &buffer)
+        return;
+    if (!begun || dropped) {
+        m_pool.MoveToFront(buffer, Place::Input);
+        m_current = nullptr;
         return;
     }
-    m_pool.MoveToFront(buffer, Place::Input);
-    m_current = nullptr;
-    m_settled.notify_all();
+    ++m_counters.started;
+    if (SendMeanwhile(lock, EventKind::FrameStart, buffer, ticket, timestampNs) &&
+        SendMeanwhile(lock, EventKind::ExposureEnd, buffer, ticket, timestampNs))
+        Write(lock, buffer, ticket, timestampNs);
 }
 
 void StreamEngine::Schedule(const FrameTicket& ticket) {
@@ -161,14 +161,34 @@ void StreamEngine::Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exp
     if (m_wake.wait_until(lock, exposed + ticket.plan.exposure,
                           [&] { return m_quit || m_current != &buffer; }))
         return;
+    if (SendMeanwhile(lock, EventKind::ExposureEnd, buffer, ticket, Nanoseconds(exposed)))
+        Write(lock, buffer, ticket, Nanoseconds(exposed));
+}
+
+void StreamEngine::Write(Lock& lock, BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {
+    // No event is sent meanwhile: who tells of a loss waits for the end of this, and nobody else can tell
+    // anything until then.
     m_writing = true;
     lock.unlock();
-    Send(EventKind::ExposureEnd, ticket, Nanoseconds(exposed));
-    Fill(buffer, ticket, Nanoseconds(exposed));
-    Send(EventKind::FrameEnd, ticket, Nanoseconds(exposed));
+    Fill(buffer, ticket, timestampNs);
     lock.lock();
     m_writing = false;
-    Finish(lock, buffer, ticket);
+    m_settled.notify_all();
+    if (SendMeanwhile(lock, EventKind::FrameEnd, buffer, ticket, timestampNs))
+        Finish(lock, buffer, ticket);
+}
+
+bool StreamEngine::SendMeanwhile(Lock& lock, EventKind kind, const BufferModule& buffer,
+                                 const FrameTicket& ticket, uint64_t timestampNs) {
+    const FramePlan& plan = ticket.plan;
+    if (!plan.signals && plan.events == 0 && !plan.faults.SendsError(ticket.frameId))
+        return true;
+    // What a kill delivers in its stead.
+    m_currentFrame = DescribeFrame(ticket, timestampNs);
+    lock.unlock();
+    Send(kind, ticket, timestampNs);
+    lock.lock();
+    return !m_quit && m_current == &buffer;
 }
 
 void StreamEngine::Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs) {

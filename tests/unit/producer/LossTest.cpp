@@ -141,6 +141,27 @@ TEST_F(Loss, EndsADefaultStopThatWaitsForAFrame) {
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
 }
 
+TEST_F(Loss, DoesNotWaitForAnEventThatWaitsForIt) {
+    for (int round = 0; round < 50; ++round) {
+        MakeSmallAndFast();
+        for (int64_t event = 0; event < 3; ++event) {
+            ASSERT_EQ(WriteInt(camera::EventSelector, event), GC_ERR_SUCCESS);
+            ASSERT_EQ(WriteInt(camera::EventNotification, 1), GC_ERR_SUCCESS);
+        }
+        // Old frames are given up, so that frames begin and end without anybody who takes them.
+        uint32_t overwrite = 1;
+        size_t size = sizeof overwrite;
+        ASSERT_EQ(gentl.GCWritePort(stream, 0x304, &overwrite, &size), GC_ERR_SUCCESS);
+        Queue(Announce(3, 64));
+        Start();
+        ASSERT_TRUE(Eventually([&] { return StreamInfo<uint64_t>(STREAM_INFO_NUM_DELIVERED) > 5; }));
+        Lose();
+        ASSERT_EQ(gentl.IFClose(interface), GC_ERR_SUCCESS);
+        Open();
+        OpenStream();
+    }
+}
+
 TEST_F(Loss, EndsWithTheNextOpening) {
     Lose();
     DEVICE_ACCESS_STATUS status = 0;
