@@ -71,8 +71,10 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
     const bool begun = m_camera.BeginFrame(ticket);
     const bool dropped = begun && ticket.plan.faults.Drops(ticket.frameId);
     const auto timestampNs = static_cast<uint64_t>(SteadyNow());
+    if (begun)
+        Send(EventKind::FrameStart, ticket, timestampNs);
     if (dropped)
-        for (const EventKind kind : {EventKind::FrameStart, EventKind::ExposureEnd, EventKind::FrameEnd})
+        for (const EventKind kind : {EventKind::ExposureEnd, EventKind::FrameEnd})
             Send(kind, ticket, timestampNs);
     lock.lock();
     m_beginning = false;
@@ -85,8 +87,7 @@ void StreamEngine::FreeFrame(Lock& lock, FrameTicket& ticket) {
         return;
     }
     ++m_counters.started;
-    if (SendMeanwhile(lock, EventKind::FrameStart, buffer, ticket, timestampNs) &&
-        SendMeanwhile(lock, EventKind::ExposureEnd, buffer, ticket, timestampNs))
+    if (SendMeanwhile(lock, EventKind::ExposureEnd, buffer, ticket, timestampNs))
         Write(lock, buffer, ticket, timestampNs);
 }
 
