@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 MINUTES ?= 5
 CONFIGURE = cmake --preset $(1) -DZQAPI_WARNINGS_AS_ERRORS=$(WERROR)
 
-.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak coverage fuzz bench install format clean
+.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak coverage mutations fuzz bench install format clean
 
 all: build
 
@@ -41,6 +41,11 @@ soak: deps
 coverage:
 	@scripts/deps.sh coverage
 	scripts/coverage.sh $(JOBS)
+
+# Whether the suites see it when the library is broken.
+mutations: deps
+	@scripts/deps.sh mutations
+	scripts/mutations.py
 
 # All targets share the time; TARGETS names some.
 fuzz:

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that the project builds and tests with; does nothing when all are there.
-#   scripts/deps.sh [aarch64|fuzz|coverage]...
+#   scripts/deps.sh [aarch64|fuzz|coverage|mutations]...
 # With words, also what these need beyond the usual.
 set -euo pipefail
 packages=(
@@ -21,6 +21,7 @@ for word in "$@"; do
         ;;
     fuzz) packages+=(clang libclang-rt-dev) ;;
     coverage) packages+=(gcovr) ;;
+    mutations) packages+=(python3) ;;
     *)
         echo "deps: nothing is known about $word" >&2
         exit 2
