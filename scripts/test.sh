@@ -19,7 +19,7 @@ tsan) left_out=(--label-exclude '^(slow|one-thread)$') ;;
 esac
 export ASAN_OPTIONS="detect_leaks=1:detect_stack_use_after_return=1${ASAN_OPTIONS:+:$ASAN_OPTIONS}"
 export UBSAN_OPTIONS="print_stacktrace=1${UBSAN_OPTIONS:+:$UBSAN_OPTIONS}"
-export TSAN_OPTIONS="second_deadlock_stack=1${TSAN_OPTIONS:+:$TSAN_OPTIONS}"
+export TSAN_OPTIONS="second_deadlock_stack=1:suppressions=$PWD/scripts/tsan.supp${TSAN_OPTIONS:+:$TSAN_OPTIONS}"
 
 # A skipped GoogleTest says "file:line: Skipped" and the reason in the lines behind it.
 print_skipped() {
