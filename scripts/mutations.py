@@ -52,10 +52,14 @@ def read_table(path):
 
 def copy_tree(tree):
     """Only what differs is written, so that the build knows what it need not build again."""
-    names = subprocess.run(["git", "ls-files"], cwd=ROOT, check=True, capture_output=True, text=True).stdout.split()
+    listed = subprocess.run(["git", "ls-files"], cwd=ROOT, check=True, capture_output=True, text=True).stdout
+    names = {name for name in listed.splitlines() if (ROOT / name).exists()}
+    for former in [path for path in tree.rglob("*") if path.is_file()]:
+        if str(former.relative_to(tree)) not in names:
+            former.unlink()
     for name in names:
         source, target = ROOT / name, tree / name
-        if not source.exists() or (target.exists() and target.read_bytes() == source.read_bytes()):
+        if target.exists() and target.read_bytes() == source.read_bytes():
             continue
         target.parent.mkdir(parents=True, exist_ok=True)
         shutil.copy(source, target)
