@@ -54,7 +54,7 @@ private:
     void Restore() {
         for (const auto& [selector, value] : m_before)
             try {
-                SetFromText(*selector, value, true);
+                PutBack(*selector, value);
             } catch (const GENICAM_NAMESPACE::GenericException&) { // it no longer takes what it was
             }
     }

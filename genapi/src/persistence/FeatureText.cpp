@@ -64,4 +64,12 @@ void SetFromText(INode& feature, const gcstring& text, bool verify) {
     CValuePtr(&feature)->FromString(text, verify);
 }
 
+void PutBack(INode& feature, const gcstring& text) {
+    try {
+        SetFromText(feature, text, true);
+    } catch (const GENICAM_NAMESPACE::OutOfRangeException&) {
+        SetFromText(feature, text, false);
+    }
+}
+
 } // namespace GENAPI_NAMESPACE::inside

@@ -16,5 +16,7 @@ bool HoldsStoredText(INode& feature, const GENICAM_NAMESPACE::gcstring& text);
 
 /// Throws what writing throws.
 void SetFromText(INode& feature, const GENICAM_NAMESPACE::gcstring& text, bool verify);
+/// The value that it had before, even one that is outside its limits now.
+void PutBack(INode& feature, const GENICAM_NAMESPACE::gcstring& text);
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -188,7 +188,7 @@ void SelectorWalk::Restore() {
     for (const Digit& digit : m_digits)
         try {
             if (TextNow(*digit.node) != digit.original)
-                SetFromText(*digit.node, digit.original, true);
+                PutBack(*digit.node, digit.original);
         } catch (const GENICAM_NAMESPACE::GenericException&) {
             if (!failure)
                 failure = std::current_exception();

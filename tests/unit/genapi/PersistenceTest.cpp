@@ -204,6 +204,17 @@ TEST(FeatureBag, SelectedFeaturesAreStoredForEveryValueAndSelectorsComeBack) {
     EXPECT_EQ(Stored(camera, 0), "");
 }
 
+TEST(FeatureBag, ASelectorOutsideItsLimitsIsLeftThereAsWell) {
+    Camera camera(::Node("Integer", "S", "<Value>2</Value><Min>0</Min><pMax>Max</pMax>" + Selects("X")) +
+                  ::Node("Integer", "Max", "<Value>1</Value>") + Indexed("X", 16, "S", kStreamable));
+    camera.port.Put(16, {4, 0, 0, 0, 5, 0, 0, 0});
+    EXPECT_EQ(Stored(camera), "S\t0\nX\t4\nS\t1\nX\t5\nS\t2\n");
+    EXPECT_EQ(camera.Int("S")->GetValue(), 2);
+    EXPECT_EQ(Load(camera, "X\t{S=1}\t7\n"), "");
+    EXPECT_EQ(camera.port.memory[20], 7);
+    EXPECT_EQ(camera.Int("S")->GetValue(), 2);
+}
+
 TEST(FeatureBag, LongTablesAreStoredOnlyWhereMarked) {
     const auto table = [](const std::string& mark) {
         return Root(Feature("X")) +
