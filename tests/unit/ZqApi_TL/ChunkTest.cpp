@@ -359,7 +359,7 @@ TEST_F(StreamChunks, NoMutationOfALayoutStopsTheStream) {
         bytes.resize(1 + random() % bytes.size());
         return bytes;
     };
-    for (const auto& [tlType, layout] : {std::pair("U3V", LittleEndianChunks), {"GEV", BigEndianChunks}}) {
+    for (const auto& [tlType, layout] : {std::pair("U3V", &LittleEndianChunks), {"GEV", &BigEndianChunks}}) {
         StartAs(tlType, 2);
         for (int round = 0; round < 5000; ++round) {
             const Buffer buffer = RetrieveNewFrame(ChunkFrame(mutated(layout(Stamped(round)))));
