@@ -2,36 +2,33 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
 namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
-/// An operand: the smaller sibling of Number, without the redundant double.
+/// An operand, small enough to be passed in two registers; a float by its bits.
 struct Operand {
     bool isInteger;
-    union {
-        int64_t integer;
-        double real;
-    };
+    int64_t integer;
 
-    static Operand Of(int64_t value) {
-        Operand result;
-        result.isInteger = true;
-        result.integer = value;
-        return result;
-    }
+    static Operand Of(int64_t value) { return {true, value}; }
     static Operand Of(double value) {
-        Operand result;
-        result.isInteger = false;
-        result.real = value;
+        Operand result{false, 0};
+        std::memcpy(&result.integer, &value, sizeof(value));
         return result;
     }
     static Operand Of(bool value) { return Of(int64_t{value}); }
-    double AsDouble() const { return isInteger ? static_cast<double>(integer) : real; }
-    int64_t AsInteger() const { return isInteger ? integer : Truncate(real); }
-    Number AsNumber() const { return isInteger ? Number::Of(integer) : Number::Of(real); }
-    bool IsTrue() const { return isInteger ? integer != 0 : real != 0; }
+    double Real() const {
+        double value;
+        std::memcpy(&value, &integer, sizeof(value));
+        return value;
+    }
+    double AsDouble() const { return isInteger ? static_cast<double>(integer) : Real(); }
+    int64_t AsInteger() const { return isInteger ? integer : Truncate(Real()); }
+    Number AsNumber() const { return isInteger ? Number::Of(integer) : Number::Of(Real()); }
+    bool IsTrue() const { return isInteger ? integer != 0 : Real() != 0; }
 };
 
 /// Evaluation has met a name that nobody declares.
@@ -76,7 +73,8 @@ double RealDivide(double left, double right) {
 }
 
 // In a float formula whole numbers stay whole as long as they fit: (HI<<32)|LO must be exact.
-Operand Arithmetic(Op op, Operand left, Operand right, bool integerOnly) {
+template <Op op>
+inline Operand Arithmetic(Operand left, Operand right, bool integerOnly) {
     if (left.isInteger && right.isInteger) {
         int64_t result = 0;
         bool overflow = false;
@@ -92,6 +90,11 @@ Operand Arithmetic(Op op, Operand left, Operand right, bool integerOnly) {
     const double a = left.AsDouble();
     const double b = right.AsDouble();
     return Operand::Of(op == Op::Add ? a + b : op == Op::Subtract ? a - b : a * b);
+}
+
+inline Operand Divide(Operand left, Operand right, bool integerOnly) {
+    return integerOnly ? Operand::Of(IntegerDivide(left.integer, right.integer, false))
+                       : Operand::Of(RealDivide(left.AsDouble(), right.AsDouble()));
 }
 
 template <class T>
@@ -137,15 +140,9 @@ Operand PowerOf(Operand left, Operand right, bool integerOnly) {
     return Operand::Of(std::pow(left.AsDouble(), right.AsDouble()));
 }
 
+// The operators that Run leaves to it.
 Operand Binary(Op op, Operand left, Operand right, bool integerOnly) {
     switch (op) {
-    case Op::Add:
-    case Op::Subtract:
-    case Op::Multiply:
-        return Arithmetic(op, left, right, integerOnly);
-    case Op::Divide:
-        return integerOnly ? Operand::Of(IntegerDivide(left.integer, right.integer, false))
-                           : Operand::Of(RealDivide(left.AsDouble(), right.AsDouble()));
     case Op::Modulo:
         return Operand::Of(IntegerDivide(left.AsInteger(), right.AsInteger(), true));
     case Op::Power:
@@ -206,7 +203,8 @@ double RealFunction(Function function, double x, double digits) {
     return std::round(x * scale) / scale;
 }
 
-Operand Call(Function function, Operand x, Operand digits, bool integerOnly) {
+Operand Call(const Instruction& call, Operand x, Operand digits, bool integerOnly) {
+    const auto function = static_cast<Function>(call.argument);
     const bool rounding = function == Function::Trunc || function == Function::Floor ||
                           function == Function::Ceil || function == Function::Round;
     if (x.isInteger) {
@@ -232,7 +230,7 @@ Operand UnaryOf(Op op, Operand x) {
     case Op::Invert:
         return Operand::Of(~x.AsInteger());
     default:
-        return x.isInteger ? Operand::Of(Wrap(0 - Bits(x.integer))) : Operand::Of(-x.real);
+        return x.isInteger ? Operand::Of(Wrap(0 - Bits(x.integer))) : Operand::Of(-x.Real());
     }
 }
 
@@ -243,19 +241,24 @@ Operand LoadVariable(bool integer, uint32_t slot, VariableValues& values) {
     return Operand::Of(value.real);
 }
 
-/// Without values, there are no variables.
-Operand Run(const Instruction* code, size_t count, bool integer, VariableValues* values, Operand* top) {
+/// Without values, there are no variables. The last operand is kept beside the stack, whose first place
+/// nobody reads.
+Number Run(const Instruction* code, size_t count, bool integer, VariableValues* values, Operand* stack) {
+    Operand last{};
     for (size_t next = 0; next < count;) {
         const Instruction& step = code[next++];
         switch (step.op) {
         case Op::PushInteger:
-            *top++ = Operand::Of(step.integer);
+            *stack++ = last;
+            last = Operand::Of(step.integer);
             break;
         case Op::PushReal:
-            *top++ = Operand::Of(step.real);
+            *stack++ = last;
+            last = Operand::Of(step.real);
             break;
         case Op::Load:
-            *top++ = LoadVariable(integer, step.argument, *values);
+            *stack++ = last;
+            last = LoadVariable(integer, step.argument, *values);
             break;
         case Op::Undefined:
             throw UndefinedName{step.argument};
@@ -263,29 +266,39 @@ Operand Run(const Instruction* code, size_t count, bool integer, VariableValues*
             next = step.argument;
             break;
         case Op::JumpIfZero:
-            next = (--top)->IsTrue() ? next : step.argument;
-            break;
         case Op::JumpIfNotZero:
-            next = (--top)->IsTrue() ? step.argument : next;
+            next = last.IsTrue() == (step.op == Op::JumpIfNotZero) ? step.argument : next;
+            last = *--stack;
             break;
         case Op::Truth:
         case Op::Not:
         case Op::Invert:
         case Op::Negate:
-            top[-1] = UnaryOf(step.op, top[-1]);
+            last = UnaryOf(step.op, last);
             break;
         case Op::Function:
-            top -= step.count;
-            *top = Call(static_cast<Function>(step.argument), *top,
-                        step.count > 1 ? top[1] : Operand::Of(int64_t{0}), integer);
-            ++top;
+            if (step.count == 1 && !last.isInteger && !integer)
+                last = Operand::Of(RealFunction(static_cast<Function>(step.argument), last.Real(), 0));
+            else
+                last = step.count > 1 ? Call(step, *--stack, last, integer) : Call(step, last, {}, integer);
+            break;
+        case Op::Add:
+            last = Arithmetic<Op::Add>(*--stack, last, integer);
+            break;
+        case Op::Subtract:
+            last = Arithmetic<Op::Subtract>(*--stack, last, integer);
+            break;
+        case Op::Multiply:
+            last = Arithmetic<Op::Multiply>(*--stack, last, integer);
+            break;
+        case Op::Divide:
+            last = Divide(*--stack, last, integer);
             break;
         default:
-            --top;
-            top[-1] = Binary(step.op, top[-1], *top, integer);
+            last = Binary(step.op, *--stack, last, integer);
         }
     }
-    return top[-1];
+    return last.AsNumber();
 }
 
 } // namespace
@@ -296,7 +309,7 @@ std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, b
     if (count > kMostInstructions)
         return std::nullopt;
     try {
-        return Run(code, count, integer, nullptr, stack.data()).AsNumber();
+        return Run(code, count, integer, nullptr, stack.data());
     } catch (const FormulaError&) {
         return std::nullopt;
     }
@@ -305,7 +318,7 @@ std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, b
 Number EvaluateFormula(const Formula& formula, VariableValues& values) {
     constexpr size_t kUsualStack = 32;
     const auto run = [&](Operand* stack) {
-        return Run(formula.code.begin(), formula.code.size(), formula.integer, &values, stack).AsNumber();
+        return Run(formula.code.begin(), formula.code.size(), formula.integer, &values, stack);
     };
     try {
         if (formula.stackSize <= kUsualStack) {

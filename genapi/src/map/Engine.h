@@ -71,6 +71,7 @@ public:
     int64_t Increment(NodeIndex node);
     /// Nothing when the file gives none.
     std::optional<int64_t> StatedIncrement(NodeIndex node);
+    std::optional<int64_t> SearchIncrement(NodeIndex node);
     /// True when the targets of a node with copies have increments that no one value could suit.
     bool IncrementsDiffer(NodeIndex node);
     std::optional<double> FloatIncrement(NodeIndex node);

@@ -208,6 +208,12 @@ std::optional<int64_t> Engine::StatedIncrement(NodeIndex node) {
     const SourcePart& source = *description.source;
     if (!description.limits->inc.given && source.form == SourcePart::Form::Own && source.copies.empty())
         return std::nullopt;
+    return SearchIncrement(node);
+}
+
+std::optional<int64_t> Engine::SearchIncrement(NodeIndex node) {
+    const NodeDescription& description = Node(node);
+    const SourcePart& source = *description.source;
     if (const auto given = GivenNumber(description.limits->inc))
         return std::max<int64_t>(1, given->AsInteger());
     const Level level(*this, node);
