@@ -11,7 +11,8 @@ namespace {
 /// Collects the edges of one description and what follows from them.
 class EdgeBuilder {
 public:
-    EdgeBuilder(Arena& arena, Description& description) : m_arena(arena), m_description(description) {}
+    EdgeBuilder(Arena& arena, Description& description, const Edges& invalidators)
+        : m_arena(arena), m_description(description), m_invalidators(invalidators) {}
 
     void Build() {
         const size_t count = m_description.nodes.size();
@@ -19,6 +20,8 @@ public:
             edges->reserve(2 * count);
         for (NodeIndex i = 0; i < count; ++i)
             Collect(i);
+        for (const auto& [node, invalidator] : m_invalidators)
+            Depends(node, invalidator);
         EdgeLists(count, m_reads).Keep(m_arena, m_description.reads);
         AddSelectorEdges();
         EdgeLists(count, m_invalidators).Keep(m_arena, m_description.invalidators);
@@ -66,15 +69,6 @@ private:
                     Reads(i, variable.node);
         }
         Depends(i, node.commandValue);
-        for (const Element& element : m_description.document.nodes[i].elements)
-            if (element.name == ElementName::pInvalidator)
-                CollectInvalidator(i, m_description.Find(element.text));
-    }
-
-    void CollectInvalidator(NodeIndex node, NodeIndex invalidator) {
-        Depends(node, invalidator);
-        if (invalidator != kNoNode)
-            m_invalidators.emplace_back(node, invalidator);
     }
 
     void CollectRegister(NodeIndex i, const RegisterPart& reg) {
@@ -252,9 +246,9 @@ private:
 
     Arena& m_arena;
     Description& m_description;
+    const Edges& m_invalidators;
     Edges m_dependents;
     Edges m_reads;
-    Edges m_invalidators;
     Edges m_valueUsers;
     Edges m_placeUsers;
     Edges m_predicateUsers;
@@ -278,6 +272,12 @@ EdgeLists::EdgeLists(size_t nodes, const Edges& edges) : m_offsets(nodes + 2, 0)
     for (size_t i = 0; i < nodes; ++i) {
         const auto begin = m_targets.begin() + m_offsets[i];
         const auto end = m_targets.begin() + m_offsets[i + 1];
+        if (end - begin <= 1) { // nearly always
+            m_offsets[i] = kept;
+            if (begin != end)
+                m_targets[kept++] = *begin;
+            continue;
+        }
         if (!std::is_sorted(begin, end)) // rare
             std::sort(begin, end);
         const auto last = std::unique(begin, end);
@@ -288,8 +288,8 @@ EdgeLists::EdgeLists(size_t nodes, const Edges& edges) : m_offsets(nodes + 2, 0)
     m_targets.resize(kept);
 }
 
-void BuildEdges(Arena& arena, Description& description) {
-    EdgeBuilder(arena, description).Build();
+void BuildEdges(Arena& arena, Description& description, const Edges& invalidators) {
+    EdgeBuilder(arena, description, invalidators).Build();
 }
 
 } // namespace GENAPI_NAMESPACE::inside

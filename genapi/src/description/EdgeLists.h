@@ -22,7 +22,7 @@ private:
 };
 
 /// Collects what depends on what in a description whose nodes and formulas are built, and what follows from
-/// it: selectors of features, and what can't be kept.
-void BuildEdges(Arena& arena, Description& description);
+/// it: selectors of features, and what can't be kept. `invalidators` are pairs of a node and what it names.
+void BuildEdges(Arena& arena, Description& description, const Edges& invalidators);
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -92,7 +92,7 @@ void LinkDescription(Arena& arena, Description& description) {
     for (NodeIndex i = 0; i < count; ++i)
         formulas.Build(i);
     CollectFormulaErrors(arena, description);
-    BuildEdges(arena, description);
+    BuildEdges(arena, description, builder.Invalidators());
 }
 
 } // namespace GENAPI_NAMESPACE::inside

@@ -114,6 +114,13 @@ void NodeBuilder::BuildCommonElement(const Element& element) {
         node.eventId = id.value_or(0);
         break;
     }
+    case ElementName::pInvalidator: {
+        const NodeIndex invalidator = m_reader.Find(element);
+        if (invalidator != kNoNode)
+            m_invalidators.emplace_back(static_cast<NodeIndex>(m_node - m_description.nodes.begin()),
+                                        invalidator);
+        break;
+    }
     default:
         BuildReference(element);
     }

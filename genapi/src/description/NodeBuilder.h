@@ -1,5 +1,6 @@
 #pragma once
 
+#include "genapi/src/description/EdgeLists.h"
 #include "genapi/src/description/ElementReader.h"
 
 namespace GENAPI_NAMESPACE::inside {
@@ -14,6 +15,8 @@ public:
     void Build(NodeIndex index);
     /// To be called once, at the end.
     void Finish() { m_arena.KeepList(m_description.tableValues, m_tableValues); }
+    /// Each node that has been built and what it names as pInvalidator.
+    const Edges& Invalidators() const { return m_invalidators; }
 
 private:
     void BuildCommon();
@@ -49,6 +52,7 @@ private:
     Description& m_description;
     std::vector<Number> m_tableValues;
     Lists m_lists;
+    Edges m_invalidators;
     DisplayPart* m_nothingToDisplay = nullptr;
     ElementReader m_reader;
     NodeDescription* m_node = nullptr;

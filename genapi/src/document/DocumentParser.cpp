@@ -17,14 +17,10 @@ constexpr std::ptrdiff_t kMaxTags = 1'000'000;
 constexpr size_t kShortestTag = 3;
 constexpr int kMaxGroupDepth = 64;
 
-std::string_view LocalName(const pugi::xml_node& node) {
-    const char* const name = node.name();
-    const char* begin = name;
-    const char* end = name;
-    for (; *end != '\0'; ++end)
-        if (*end == ':')
-            begin = end + 1;
-    return {begin, static_cast<size_t>(end - begin)};
+/// Without a prefix.
+std::string_view LocalName(std::string_view name) {
+    const size_t colon = name.rfind(':');
+    return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
 bool IsElement(const pugi::xml_node& node) {
@@ -50,14 +46,15 @@ bool IsPlace(ElementName name) {
     }
 }
 
-struct AttributeText {
-    std::string_view text;
-    AttributeName name;
-};
-constexpr AttributeText kAttributes[] = {{"Name", AttributeName::Name},
-                                         {"Index", AttributeName::Index},
-                                         {"Offset", AttributeName::Offset},
-                                         {"pOffset", AttributeName::pOffset}};
+AttributeName KnownAttribute(std::string_view name) {
+    if (name == "Name")
+        return AttributeName::Name;
+    if (name == "Index")
+        return AttributeName::Index;
+    if (name == "Offset")
+        return AttributeName::Offset;
+    return name == "pOffset" ? AttributeName::pOffset : AttributeName::None;
+}
 
 class Parser {
 public:
@@ -111,7 +108,7 @@ private:
         for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
             if (!IsElement(child))
                 continue;
-            const ElementName tag = m_writer.Name(LocalName(child));
+            const ElementName tag = NameOf(child);
             if (tag == ElementName::Group)
                 ReadNodes(child, depth + 1);
             else if (tag == ElementName::StructReg)
@@ -151,6 +148,13 @@ private:
         m_elements.resize(begin);
     }
 
+    // Hardly any file has prefixes: the name as a whole comes first.
+    ElementName NameOf(const pugi::xml_node& element) {
+        const std::string_view name = element.name();
+        const ElementName known = FindElementName(name);
+        return known != ElementName::FirstUnknown ? known : m_writer.Name(LocalName(name));
+    }
+
     void ReadElements(const pugi::xml_node& parent, const NodeDraft& node) {
         for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling())
             if (IsElement(child))
@@ -158,7 +162,7 @@ private:
     }
 
     void ReadElement(const pugi::xml_node& child, const NodeDraft& node) {
-        const ElementName name = m_writer.Name(LocalName(child));
+        const ElementName name = NameOf(child);
         switch (name) {
         case ElementName::Extension:
         case ElementName::StructEntry:
@@ -212,13 +216,13 @@ private:
         // A String's value is the one text whose blanks count.
         if (!(tag == ElementName::String && name == ElementName::Value))
             element.text = Trim(element.text);
-        for (pugi::xml_attribute attribute = child.first_attribute(); attribute;
-             attribute = attribute.next_attribute())
-            for (const AttributeText& known : kAttributes)
-                if (known.text == attribute.name() && element.attributeName == AttributeName::None) {
-                    element.attributeName = known.name;
-                    element.attribute = Trim(attribute.value());
-                }
+        for (pugi::xml_attribute attribute = child.first_attribute();
+             attribute && element.attributeName == AttributeName::None;
+             attribute = attribute.next_attribute()) {
+            element.attributeName = KnownAttribute(attribute.name());
+            if (element.attributeName != AttributeName::None)
+                element.attribute = Trim(attribute.value());
+        }
         return element;
     }
 
@@ -268,7 +272,7 @@ private:
                                                   m_elements.end());
         m_elements.resize(begin);
         for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling())
-            if (IsElement(child) && LocalName(child) == "StructEntry")
+            if (IsElement(child) && NameOf(child) == ElementName::StructEntry)
                 ReadStructureEntry(child, inherited);
     }
 
@@ -311,7 +315,7 @@ void ParseDocument(char* text, size_t size, bool keepTexts, DocumentWriter& writ
         throw RUNTIME_EXCEPTION("The description is not well-formed XML: %s at byte %td.",
                                 result.description(), result.offset);
     const pugi::xml_node root = xml.document_element();
-    if (LocalName(root) != "RegisterDescription")
+    if (LocalName(root.name()) != "RegisterDescription")
         throw RUNTIME_EXCEPTION("The description has the root element '%s' instead of 'RegisterDescription'.",
                                 root.name());
     Parser(writer, keepTexts).ReadRoot(root);

@@ -72,6 +72,8 @@ public:
     }
     template <class T>
     void KeepList(List<T>& list, const std::vector<T>& values) {
+        if (values.empty())
+            return list.Point(nullptr, 0);
         NewList(list, values.size());
         std::copy(values.begin(), values.end(), list.begin());
     }
