@@ -1,5 +1,7 @@
 #include "genapi/src/cache/DescriptionCache.h"
 
+#include "genapi/src/cache/SharedDescriptions.h"
+
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
@@ -116,40 +118,9 @@ bool Resize(Memory& memory, size_t size) {
     return true;
 }
 
-bool EndsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-} // namespace
-
-CacheKey KeyOf(std::string_view bytes, bool keepTexts) {
-    const XXH128_hash_t hash = XXH3_128bits_withSeed(bytes.data(), bytes.size(), keepTexts ? 1 : 0);
-    return {hash.low64, hash.high64};
-}
-
-CacheKey KeyOf(CacheKey target, CacheKey addition) {
-    const uint64_t both[4] = {target.low, target.high, addition.low, addition.high};
-    const XXH128_hash_t hash = XXH3_128bits(both, sizeof both);
-    return {hash.low64, hash.high64};
-}
-
-std::optional<DescriptionCache> DescriptionCache::Find() {
-    const char* const folder = std::getenv("GENICAM_CACHE_V3_0");
-    if (!folder || !*folder)
-        return std::nullopt;
-    return DescriptionCache(folder);
-}
-
-std::string DescriptionCache::PathOf(CacheKey key) const {
-    char name[40];
-    std::snprintf(name, sizeof name, "%016llx%016llx", static_cast<unsigned long long>(key.high),
-                  static_cast<unsigned long long>(key.low));
-    return (m_folder + "/").append(name).append(kSuffix);
-}
-
-// For a small description the calls to the system are most of the time: it takes one to read it.
-std::shared_ptr<const Description> DescriptionCache::Read(CacheKey key) const {
-    const File file(PathOf(key), O_RDONLY);
+/// Null when it is not what belongs to the key. For a small description the calls to the system are most of
+/// the time: it takes one to read it.
+std::shared_ptr<const Description> ReadImage(const File& file, CacheKey key) {
     Memory memory;
     if (!file.IsOpen() || !Resize(memory, kFirstPart))
         return nullptr;
@@ -176,6 +147,56 @@ std::shared_ptr<const Description> DescriptionCache::Read(CacheKey key) const {
     return {whole, reinterpret_cast<const Description*>(image)};
 }
 
+bool EndsWith(std::string_view text, std::string_view end) {
+    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+} // namespace
+
+CacheKey KeyOf(std::string_view bytes, bool keepTexts) {
+    const XXH128_hash_t hash = XXH3_128bits_withSeed(bytes.data(), bytes.size(), keepTexts ? 1 : 0);
+    return {hash.low64, hash.high64};
+}
+
+CacheKey KeyOf(CacheKey target, CacheKey addition) {
+    const uint64_t both[4] = {target.low, target.high, addition.low, addition.high};
+    const XXH128_hash_t hash = XXH3_128bits(both, sizeof both);
+    return {hash.low64, hash.high64};
+}
+
+std::optional<DescriptionCache> DescriptionCache::Find() {
+    const char* const folder = std::getenv("GENICAM_CACHE_V3_0");
+    if (!folder || !*folder)
+        return std::nullopt;
+    return DescriptionCache(folder);
+}
+
+std::string DescriptionCache::PathOf(CacheKey key) const {
+    constexpr size_t kNameLength = 1 + 32;
+    std::string path;
+    path.reserve(m_folder.size() + kNameLength + kSuffix.size());
+    path.append(m_folder).push_back('/');
+    for (const uint64_t half : {key.high, key.low})
+        for (int shift = 60; shift >= 0; shift -= 4)
+            path.push_back("0123456789abcdef"[(half >> shift) & 15]);
+    return path.append(kSuffix);
+}
+
+std::shared_ptr<const Description> DescriptionCache::Read(CacheKey key) const {
+    SharedDescriptions& shared = SharedDescriptions::Get();
+    const std::string path = PathOf(key);
+    auto description = shared.Find(path);
+    if (description)
+        return description;
+    const auto version = FileVersion::Of(path);
+    if (!version)
+        return nullptr;
+    description = ReadImage(File(path, O_RDONLY), key);
+    if (description)
+        shared.Keep(path, *version, description);
+    return description;
+}
+
 bool DescriptionCache::Write(CacheKey key, const DescriptionImage& image) const {
     static std::atomic<unsigned> count{0};
     const std::string path = PathOf(key);
@@ -196,6 +217,7 @@ bool DescriptionCache::Write(CacheKey key, const DescriptionImage& image) const 
 
 bool DescriptionCache::Clear() const {
     namespace fs = std::filesystem;
+    SharedDescriptions::Get().Clear();
     std::error_code failure;
     bool all = true;
     for (fs::directory_iterator file(m_folder, failure), end; !failure && file != end;

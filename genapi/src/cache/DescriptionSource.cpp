@@ -8,9 +8,10 @@ namespace GENAPI_NAMESPACE::inside {
 
 DescriptionSource::DescriptionSource(std::string_view bytes, ECacheUsage_t cacheUsage, bool suppressStrings)
     : m_usage(cacheUsage), m_keepTexts(!suppressStrings) {
-    if (m_usage != CacheUsage_Ignore && DescriptionCache::Find())
+    const auto cache = m_usage == CacheUsage_Ignore ? std::nullopt : DescriptionCache::Find();
+    if (cache)
         m_key = KeyOf(bytes, m_keepTexts);
-    m_description = FromCache();
+    m_description = From(cache);
     if (!m_description)
         m_bytes = bytes;
 }
@@ -59,11 +60,10 @@ std::optional<CacheKey> DescriptionSource::GetKey() const {
 }
 
 /// Null when it isn't there; RuntimeException when it should be.
-DescriptionSource::Pointer DescriptionSource::FromCache() const {
+DescriptionSource::Pointer DescriptionSource::From(const std::optional<DescriptionCache>& cache) const {
     Pointer description;
-    if (m_key && (m_usage == CacheUsage_Automatic || m_usage == CacheUsage_ForceRead))
-        if (const auto cache = DescriptionCache::Find())
-            description = cache->Read(*m_key);
+    if (cache && m_key && (m_usage == CacheUsage_Automatic || m_usage == CacheUsage_ForceRead))
+        description = cache->Read(*m_key);
     if (!description && m_usage == CacheUsage_ForceRead)
         throw RUNTIME_EXCEPTION("The folder of GENICAM_CACHE_V3_0 does not hold this description.");
     return description;
@@ -111,7 +111,7 @@ void DescriptionSource::Merge() {
     const std::optional<CacheKey> before = m_key;
     m_key = m_key && injected.key ? std::optional<CacheKey>(KeyOf(*m_key, *injected.key)) : std::nullopt;
     try {
-        Pointer merged = FromCache();
+        Pointer merged = From(DescriptionCache::Find());
         if (!merged)
             merged = Build(0, [&](DocumentWriter& writer) {
                 MergeDocuments(m_description->document, injected.description->document, writer);

@@ -33,7 +33,7 @@ private:
     };
 
     std::optional<CacheKey> GetKey() const;
-    Pointer FromCache() const;
+    Pointer From(const std::optional<DescriptionCache>& cache) const;
     void ToCache(const DescriptionImage& image) const;
     Pointer Build(size_t textSize, const std::function<void(DocumentWriter&)>& write) const;
     Pointer Prepared();

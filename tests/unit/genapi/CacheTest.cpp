@@ -179,6 +179,48 @@ TEST_F(Cache, OpenMapsOutliveTheirFile) {
     EXPECT_STREQ(map._GetNode("Width")->GetToolTip().c_str(), "wide");
 }
 
+/// Beyond it, a file that is written looks different to whoever looks at it.
+constexpr std::chrono::milliseconds kSettled(120);
+/// Beyond it, files are looked at again.
+constexpr std::chrono::milliseconds kLookAgain(15);
+
+TEST_F(Cache, WhatBecomesOfAFileIsNoticedThoughItsDescriptionIsInUse) {
+    Open(Xml(640));
+    const fs::path file = Files()[0];
+    const std::string good = Content(file);
+    std::this_thread::sleep_for(kSettled);
+    const CNodeMapRef first = Open(Xml(640), CacheUsage_ForceRead);
+    const CNodeMapRef second = Open(Xml(640), CacheUsage_ForceRead);
+    const auto readable = [] {
+        std::this_thread::sleep_for(kLookAgain);
+        try {
+            return Width(Open(Xml(640), CacheUsage_ForceRead)) == 640;
+        } catch (const RuntimeException&) {
+            return false;
+        }
+    };
+    EXPECT_TRUE(readable());
+    std::string damaged = good;
+    damaged.back() ^= 1;
+    Replace(file, damaged);
+    EXPECT_FALSE(readable());
+    Open(Xml(640));
+    EXPECT_TRUE(readable());
+    fs::remove(file);
+    EXPECT_FALSE(readable());
+    EXPECT_EQ(Width(first), 640);
+    CIntegerPtr(first._GetNode("Width"))->SetValue(100);
+    EXPECT_EQ(Width(second), 640);
+}
+
+TEST_F(Cache, ClearingItIsSeenAtOnce) {
+    Open(Xml(640));
+    std::this_thread::sleep_for(kSettled);
+    const CNodeMapRef map = Open(Xml(640), CacheUsage_ForceRead);
+    EXPECT_TRUE(CNodeMapFactory::ClearCache());
+    EXPECT_THROW(Factory(Xml(640), CacheUsage_ForceRead), RuntimeException);
+}
+
 TEST_F(Cache, ManyWritersLeaveOneGoodFile) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)

@@ -2,7 +2,12 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 #include <new>
+#include <thread>
+
+#include <malloc.h>
+#include <unistd.h>
 
 namespace {
 
@@ -85,4 +90,37 @@ TEST(Allocations, FreshReadsNeedNoneEither) {
     for (int i = 0; i < 100; ++i)
         knife->GetValue();
     EXPECT_EQ(allocations - before, 0);
+}
+
+TEST(Allocations, MapsOfOneDescriptionInTheCacheShareIt) {
+#ifdef ZQAPI_SANITIZED
+    GTEST_SKIP() << "mallinfo2 knows nothing of a sanitizer's memory";
+#endif
+    namespace fs = std::filesystem;
+    constexpr int kNodes = 3000;
+    const fs::path folder = fs::temp_directory_path() / ("zq-shared-" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    setenv("GENICAM_CACHE_V3_0", folder.c_str(), 1);
+    std::string nodes;
+    for (int i = 0; i < kNodes; ++i)
+        nodes += ::Node("Integer", "Number" + std::to_string(i), "<Value>1</Value>");
+    const std::string xml = Describe(nodes);
+    const auto open = [&](ECacheUsage_t usage) {
+        return CNodeMapRef(CNodeMapFactory(ContentType_Xml, xml.data(), xml.size(), usage).CreateNodeMap());
+    };
+    const auto inUse = [] {
+        const auto info = mallinfo2();
+        return info.uordblks + info.hblkhd;
+    };
+    open(CacheUsage_ForceWrite);
+    std::this_thread::sleep_for(std::chrono::milliseconds(120));
+    const size_t none = inUse();
+    const CNodeMapRef first = open(CacheUsage_ForceRead);
+    const size_t one = inUse();
+    const CNodeMapRef second = open(CacheUsage_ForceRead);
+    const size_t two = inUse();
+    unsetenv("GENICAM_CACHE_V3_0");
+    fs::remove_all(folder);
+    EXPECT_GT(one - none, 200u * kNodes); // a node's description
+    EXPECT_LT(two - one, 100u * kNodes);  // what it is now
 }
