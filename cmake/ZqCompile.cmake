@@ -24,9 +24,19 @@ if(ZQAPI_SANITIZE)
     add_compile_definitions(ZQAPI_SANITIZED)
 endif()
 
-# Every branch as it is written, and counters that several threads may raise.
+# Every branch as it is written.
 set(CMAKE_C_FLAGS_COVERAGE "-O0")
 set(CMAKE_CXX_FLAGS_COVERAGE "-O0")
-if(ZQAPI_COVERAGE)
-    add_link_options(--coverage)
-endif()
+
+# zq_measure(<target>)
+# Counts what of this target runs. The counters lie in a file that is mapped, so that what a process counted before it was
+# ended counts as well; threads and processes raise them together, and the outcome that has no counter of its own is
+# what others leave over.
+function(zq_measure target)
+    if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        message(FATAL_ERROR "ZQAPI_COVERAGE needs clang: gcc counts branches of its own as well.")
+    endif()
+    target_compile_options(${target} PRIVATE
+        -fprofile-instr-generate -fcoverage-mapping -fprofile-update=atomic "SHELL:-mllvm -runtime-counter-relocation")
+    target_link_options(${target} PRIVATE -fprofile-instr-generate)
+endfunction()

@@ -33,6 +33,10 @@ function(zq_add_test name)
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main Threads::Threads)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
     zq_emulated_program(self ${name})
+    # What headers of the library hold runs in the tests.
+    if(ZQAPI_COVERAGE)
+        zq_measure(${name})
+    endif()
     # Read once instead of for every file: it takes longer than most of them.
     target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
     # An empty property value gets lost on the way to ctest and takes the next name for its own.

@@ -20,7 +20,7 @@ for word in "$@"; do
         )
         ;;
     fuzz) packages+=(clang libclang-rt-dev) ;;
-    coverage) packages+=(gcovr) ;;
+    coverage) packages+=(clang llvm libclang-rt-dev python3) ;;
     mutations) packages+=(python3) ;;
     *)
         echo "deps: nothing is known about $word" >&2
