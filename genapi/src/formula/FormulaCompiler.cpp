@@ -9,8 +9,7 @@ namespace {
 // What a device may make us spend: real formulas stay below a tenth of each.
 constexpr size_t kMaxTextLength = 64 * 1024;
 constexpr size_t kMaxInstructions = 64 * 1024;
-constexpr size_t kMaxNesting = 256;
-constexpr size_t kMaxStack = 1024;
+constexpr size_t kMaxNesting = 256; // bounds the operands that wait for each other as well
 
 struct FunctionName {
     std::string_view name;
@@ -77,8 +76,6 @@ private:
         m_formula.code.push_back(instruction);
         m_depth = static_cast<size_t>(static_cast<int>(m_depth) + stackChange);
         m_formula.stackSize = std::max(m_formula.stackSize, static_cast<uint32_t>(m_depth));
-        if (m_depth > kMaxStack)
-            throw FormulaError("needs more than " + std::to_string(kMaxStack) + " operands");
         return m_formula.code.size() - 1;
     }
     size_t Emit(Op op, int stackChange) { return Emit(Instruction{op, 0, 0, {}}, stackChange); }

@@ -304,10 +304,8 @@ Number Run(const Instruction* code, size_t count, bool integer, VariableValues* 
 } // namespace
 
 std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, bool integer) {
-    constexpr size_t kMostInstructions = 4;
-    std::array<Operand, kMostInstructions> stack;
-    if (count > kMostInstructions)
-        return std::nullopt;
+    constexpr size_t kMostOperands = 2; // of any step
+    std::array<Operand, kMostOperands> stack;
     try {
         return Run(code, count, integer, nullptr, stack.data());
     } catch (const FormulaError&) {

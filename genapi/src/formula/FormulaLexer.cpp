@@ -11,7 +11,7 @@ constexpr SymbolRow Row(std::string_view symbol, int precedence = 0, Op op = Op:
     return {SymbolCode(symbol), precedence, op};
 }
 
-// By first character; the longer ones first.
+// By first character; the longer ones first, and for each character one of it alone.
 constexpr SymbolRow kSymbols[] = {
     Row("!=", 7, Op::NotEqual),
     Row("!"),
@@ -135,7 +135,7 @@ void FormulaLexer::LexSymbol() {
     const SymbolRow* row = kSymbols + kFirstRows[first];
     while (row != std::end(kSymbols) && row->code != (first | second << 8) && row->code != first)
         ++row;
-    if (row == std::end(kSymbols) || (row->code & 0xFF) != first)
+    if (row == std::end(kSymbols))
         throw FormulaError("unexpected character at position " + std::to_string(m_offset));
     token = Token::Symbol;
     m_symbol = row;

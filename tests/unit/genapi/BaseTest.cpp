@@ -21,6 +21,9 @@ TEST(Text, NullPointersAreEmptyTexts) {
     gcstring text("x");
     text = static_cast<const char*>(nullptr);
     EXPECT_TRUE(text == "");
+    EXPECT_TRUE(text == static_cast<const char*>(nullptr));
+    EXPECT_TRUE(gcstring("x") != static_cast<const char*>(nullptr));
+    EXPECT_EQ(gcstring("x").find(static_cast<const char*>(nullptr)), 0u);
 }
 
 TEST(Text, WideTextBecomesUtf8AndBack) {
@@ -28,6 +31,24 @@ TEST(Text, WideTextBecomesUtf8AndBack) {
     EXPECT_STREQ(text.c_str(), "\xC2\xB5m \xE2\x82\xAC \xF0\x9F\x93\xB7");
     EXPECT_EQ(text.w_str(), L"\u00b5m \u20ac \U0001F4F7");
     EXPECT_EQ(gcstring("a\xFF").w_str(), L"a\uFFFD");
+}
+
+TEST(Text, WhatIsNoCodePointIsReplaced) {
+    const wchar_t wide[] = {static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0x110000), 0xE000, 0};
+    EXPECT_STREQ(gcstring(wide).c_str(), "\xEF\xBF\xBD\xEF\xBF\xBD\xEE\x80\x80");
+    EXPECT_TRUE(gcstring(static_cast<const wchar_t*>(nullptr)).empty());
+    // Each byte of a bad sequence is replaced: lone, cut off, not continued, overlong, too large, a
+    // surrogate.
+    const std::pair<const char*, std::wstring> texts[] = {{"\x80", L"\uFFFD"},
+                                                          {"\xC0\x80", L"\uFFFD\uFFFD"},
+                                                          {"\xE2\x82", L"\uFFFD\uFFFD"},
+                                                          {"\xE2(\x82", L"\uFFFD(\uFFFD"},
+                                                          {"\xE0\x80\x80", L"\uFFFD\uFFFD\uFFFD"},
+                                                          {"\xF4\x90\x80\x80", L"\uFFFD\uFFFD\uFFFD\uFFFD"},
+                                                          {"\xED\xA0\x80", L"\uFFFD\uFFFD\uFFFD"},
+                                                          {"\xEE\x80\x80", L"\uE000"}};
+    for (const auto& [text, expected] : texts)
+        EXPECT_EQ(gcstring(text).w_str(), expected);
 }
 
 TEST(Text, OperatorsWorkWithTextsAndLiterals) {
@@ -58,6 +79,10 @@ TEST(Text, PositionsBehindTheEndAreOutOfRange) {
     EXPECT_TRUE(gcstring("abc").substr(3).empty());
     gcstring text("abc");
     EXPECT_THROW(text.erase(4), OutOfRangeException);
+    text.erase(1, 1);
+    EXPECT_TRUE(text == "ac");
+    text.erase(2);
+    EXPECT_TRUE(text == "ac");
 }
 
 TEST(Text, StreamsReadAndWrite) {
@@ -113,6 +138,18 @@ TEST(Exceptions, CopiesAreIndependentAndNothrow) {
     EXPECT_STREQ(copy.GetDescription(), "late");
 }
 
+TEST(Exceptions, TextsOfNoneAreEmpty) {
+    AccessException first("no", "f", 1);
+    const AccessException second(std::move(first));
+    EXPECT_STREQ(second.GetDescription(), "no");
+    EXPECT_STREQ(first.GetDescription(), "");
+    EXPECT_STREQ(first.GetSourceFileName(), "");
+    EXPECT_EQ(first.GetSourceLine(), 0u);
+    EXPECT_STREQ(first.what(), "");
+    const GenericException nothing(nullptr, nullptr, 3, nullptr);
+    EXPECT_STREQ(nothing.what(), " : GenericException thrown (file '', line 3)");
+}
+
 TEST(Exceptions, MacrosFormatAndNameTheirKind) {
     try {
         throw OUT_OF_RANGE_EXCEPTION("%s = %d", "x", 7);
@@ -129,6 +166,14 @@ TEST(Exceptions, ReporterTakesLongTextsWhole) {
     EXPECT_STREQ(ExceptionReporter<RuntimeException>("f", 1).Report(std::string("%s")).GetDescription(),
                  "%s");
     EXPECT_STREQ(ExceptionReporter<RuntimeException>("f", 1).Report().GetDescription(), "");
+    const char* const none = nullptr;
+    EXPECT_STREQ(ExceptionReporter<RuntimeException>("f", 1).Report(none).GetDescription(), "");
+}
+
+TEST(Exceptions, FormatThatFailsIsTheText) {
+    const wchar_t noCharacter[] = {static_cast<wchar_t>(0xDC00), 0};
+    EXPECT_STREQ(ExceptionReporter<RuntimeException>("f", 1).Report("%ls", noCharacter).GetDescription(),
+                 "%ls");
 }
 
 TEST(Lock, IsRecursive) {
@@ -150,6 +195,46 @@ TEST(Modes, CombineIsTheMeetOfBoth) {
     EXPECT_EQ(Combine(Beginner, Guru), Guru);
     EXPECT_EQ(Combine(WriteThrough, NoCache), NoCache);
     EXPECT_EQ(Combine(WriteThrough, WriteAround), WriteAround);
+    EXPECT_EQ(Combine(WriteAround, WriteThrough), WriteAround);
+    EXPECT_EQ(Combine(NoCache, WriteThrough), NoCache);
+    EXPECT_EQ(Combine(WriteThrough, WriteThrough), WriteThrough);
+    EXPECT_EQ(Combine(WO, RO), NA);
+    EXPECT_EQ(Combine(RO, RO), RO);
+}
+
+TEST(Modes, PredicatesTakeModesAndPointers) {
+    using namespace GenApi;
+    struct Fixed : virtual IBase {
+        explicit Fixed(EAccessMode given) : mode(given) {}
+        EAccessMode GetAccessMode() const override { return mode; }
+        EAccessMode mode;
+    };
+    struct Row {
+        EAccessMode mode;
+        bool readable, writable, implemented, available;
+    };
+    for (const Row& row : {Row{NI, false, false, false, false}, Row{NA, false, false, true, false},
+                           Row{WO, false, true, true, true}, Row{RO, true, false, true, true},
+                           Row{RW, true, true, true, true}}) {
+        const Fixed node(row.mode);
+        const IBase* const pointer = &node;
+        for (const bool readable : {IsReadable(row.mode), IsReadable(pointer), IsReadable(node)})
+            EXPECT_EQ(readable, row.readable) << row.mode;
+        for (const bool writable : {IsWritable(row.mode), IsWritable(pointer), IsWritable(node)})
+            EXPECT_EQ(writable, row.writable) << row.mode;
+        for (const bool implemented : {IsImplemented(row.mode), IsImplemented(pointer), IsImplemented(node)})
+            EXPECT_EQ(implemented, row.implemented) << row.mode;
+        for (const bool available : {IsAvailable(row.mode), IsAvailable(pointer), IsAvailable(node)})
+            EXPECT_EQ(available, row.available) << row.mode;
+    }
+    const IBase* const none = nullptr;
+    EXPECT_FALSE(IsReadable(none) || IsWritable(none) || IsImplemented(none) || IsAvailable(none));
+    const CIntegerPtr empty;
+    EXPECT_FALSE(IsReadable(empty) || IsWritable(empty) || IsImplemented(empty) || IsAvailable(empty));
+    EXPECT_TRUE(IsCacheable(WriteThrough) && IsCacheable(WriteAround));
+    EXPECT_FALSE(IsCacheable(NoCache));
+    EXPECT_TRUE(IsVisible(Expert, Guru) && IsVisible(Guru, Guru));
+    EXPECT_FALSE(IsVisible(Invisible, Guru));
 }
 
 TEST(EnumTexts, ReadBackWhatTheyWrite) {
@@ -163,6 +248,72 @@ TEST(EnumTexts, ReadBackWhatTheyWrite) {
     EXPECT_FALSE(EVisibilityClass::FromString("Nobody", &visibility));
     EXPECT_EQ(visibility, Guru);
     EXPECT_TRUE(EDisplayNotationClass::ToString(fnScientific) == "Scientific");
+}
+
+namespace {
+
+/// Every value of a table is read back from its text; `other` is the text of what has none.
+template <class Class, class Enum>
+void ExpectTexts(const std::vector<std::pair<Enum, const char*>>& rows, const char* other) {
+    for (const auto& [value, text] : rows) {
+        EXPECT_TRUE(Class::ToString(value) == text);
+        gcstring out;
+        Class::ToString(out, &value);
+        EXPECT_TRUE(out == text);
+        Enum back = static_cast<Enum>(-1);
+        EXPECT_TRUE(Class::FromString(text, &back)) << text;
+        EXPECT_EQ(back, value) << text;
+        EXPECT_FALSE(Class::FromString(text, nullptr));
+    }
+    EXPECT_TRUE(Class::ToString(static_cast<Enum>(77)) == other) << other;
+    gcstring none("x");
+    Class::ToString(none, nullptr);
+    EXPECT_TRUE(none == other) << other;
+    Enum untouched = rows[0].first;
+    EXPECT_FALSE(Class::FromString("Nobody", &untouched));
+    EXPECT_EQ(untouched, rows[0].first);
+}
+
+} // namespace
+
+TEST(EnumTexts, OfEveryEnumeration) {
+    using namespace GenApi;
+    ExpectTexts<EAccessModeClass, EAccessMode>({{NI, "NI"}, {NA, "NA"}, {WO, "WO"}, {RO, "RO"}, {RW, "RW"}},
+                                        "_UndefinedAccesMode");
+    ExpectTexts<EVisibilityClass, EVisibility>(
+        {{Beginner, "Beginner"}, {Expert, "Expert"}, {Guru, "Guru"}, {Invisible, "Invisible"}},
+        "_UndefinedVisibility");
+    ExpectTexts<ECachingModeClass, ECachingMode>(
+        {{NoCache, "NoCache"}, {WriteThrough, "WriteThrough"}, {WriteAround, "WriteAround"}},
+        "_UndefinedCachingMode");
+    ExpectTexts<ERepresentationClass, ERepresentation>({{Linear, "Linear"},
+                                                        {Logarithmic, "Logarithmic"},
+                                                        {Boolean, "Boolean"},
+                                                        {PureNumber, "PureNumber"},
+                                                        {HexNumber, "HexNumber"},
+                                                        {IPV4Address, "IPV4Address"},
+                                                        {MACAddress, "MACAddress"}},
+                                                       "_UndefinedRepresentation");
+    ExpectTexts<EEndianessClass, EEndianess>({{BigEndian, "BigEndian"}, {LittleEndian, "LittleEndian"}},
+                                             "_UndefinedEndian");
+    ExpectTexts<ESignClass, ESign>({{Signed, "Signed"}, {Unsigned, "Unsigned"}}, "_UndefinedSign");
+    ExpectTexts<ENameSpaceClass, ENameSpace>({{Custom, "Custom"}, {Standard, "Standard"}},
+                                             "_UndefinedNameSpace");
+    ExpectTexts<EStandardNameSpaceClass, EStandardNameSpace>(
+        {{None, "None"}, {GEV, "GEV"}, {IIDC, "IIDC"}, {CL, "CL"}, {USB, "USB"}},
+        "_UndefinedStandardNameSpace");
+    ExpectTexts<EYesNoClass, EYesNo>({{Yes, "Yes"}, {No, "No"}}, "_UndefinedYesNo");
+    ExpectTexts<ESlopeClass, ESlope>({{Increasing, "Increasing"},
+                                      {Decreasing, "Decreasing"},
+                                      {Varying, "Varying"},
+                                      {Automatic, "Automatic"}},
+                                     "_UndefinedESlope");
+    ExpectTexts<EDisplayNotationClass, EDisplayNotation>(
+        {{fnAutomatic, "Automatic"}, {fnFixed, "Fixed"}, {fnScientific, "Scientific"}},
+        "_UndefinedEDisplayNotation");
+    ExpectTexts<EInterfaceTypeClass, EInterfaceType>(
+        {{intfIValue, "IValue"}, {intfIInteger, "IInteger"}, {intfIPort, "IPort"}, {intfIBase, "IBase"}},
+        "IBase");
 }
 
 TEST(Pointers, NullOneThrowsWhenUsed) {

@@ -117,6 +117,100 @@ TEST(Formula, Functions) {
     EXPECT_EQ(Float("sqrt(16)"), 4.0);
 }
 
+TEST(Formula, EveryFunctionHasItsValue) {
+    const std::pair<const char*, double> values[] = {{"ATAN(1)", std::atan(1.0)},
+                                                     {"COS(PI)", -1},
+                                                     {"SIN(PI/2)", 1},
+                                                     {"TAN(0.5)", std::tan(0.5)},
+                                                     {"EXP(1)", std::exp(1.0)},
+                                                     {"FLOOR(-1.5)", -2},
+                                                     {"CEIL(-1.5)", -1},
+                                                     {"ASIN(1)", std::asin(1.0)},
+                                                     {"ACOS(0.5)", std::acos(0.5)},
+                                                     {"ABS(-2.5)", 2.5},
+                                                     {"NEG(2.5)", -2.5},
+                                                     {"SGN(2.5)", 1},
+                                                     {"SGN(-2.5)", -1},
+                                                     {"SGN(0.0)", 0},
+                                                     {"ROUND(1250,-2)", 1300},
+                                                     {"ROUND(7,2)", 7},
+                                                     {"FLOOR(7)", 7},
+                                                     {"CEIL(7)", 7},
+                                                     {"TRUNC(7)", 7},
+                                                     {"ROUND(2.55,0.5)", 3}};
+    for (const auto& [formula, value] : values)
+        EXPECT_DOUBLE_EQ(Float(formula), value) << formula;
+    EXPECT_EQ(Integer("FLOOR(7)+CEIL(7)+ROUND(7,-1)+TRUNC(7)"), 28); // whole numbers are round
+    EXPECT_EQ(Integer("EXP(2)"), 7);
+    EXPECT_EQ(Integer("ABS(5)+SGN(9)+SGN(0)"), 6);
+    EXPECT_EQ(Integer("ABS (0-5)"), 5);
+}
+
+TEST(Formula, WholeNumbersWrapWhereTheyEnd) {
+    EXPECT_EQ(Integer("1**(0-3)"), 1);
+    EXPECT_EQ(Integer("(0-1)**(0-2)"), 1);
+    EXPECT_EQ(Integer("(0-1)**(0-3)"), -1);
+    EXPECT_EQ(Integer("7/(0-1)"), -7);
+    EXPECT_EQ(Integer("7%(0-1)"), 0);
+    EXPECT_EQ(Integer("0x8000000000000000/(0-1)"), INT64_MIN);
+    EXPECT_EQ(Float("0x7FFFFFFFFFFFFFFF+1"), 9223372036854775808.0);
+    EXPECT_EQ(Float("10**30"), 1e30);
+    EXPECT_EQ(Float("4**0.5"), 2.0);
+    EXPECT_EQ(Float("1+0.5"), 1.5);
+    EXPECT_EQ(Float("1<1.5"), 1.0);
+    EXPECT_EQ(Integer("(2<=2)+(3<=2)+(3>=2)+(2>=3)"), 2);
+    EXPECT_EQ(Integer("1e30"), INT64_MAX);
+    EXPECT_EQ(Integer("-1e30"), -INT64_MAX);
+    EXPECT_EQ(Integer("SQRT(0-1)"), 0); // what is no number has no whole part
+}
+
+TEST(Formula, SpellingsOfNumbersAndBlanks) {
+    EXPECT_EQ(Integer("0xaF + 0Xf"), 190);
+    EXPECT_EQ(Float("1E3"), 1000.0);
+    EXPECT_EQ(Float("1e-2"), 0.01);
+    EXPECT_EQ(Float("9223372036854775808"), 9223372036854775808.0);
+    Camera camera("<IntSwissKnife Name=\"K\"><Constant Name=\"_c\">5</Constant>"
+                  "<Formula>1&#9;+&#10;2&#13;+&#11;_c&#12;</Formula></IntSwissKnife>");
+    EXPECT_EQ(camera.Int("K")->GetValue(), 8);
+}
+
+TEST(Formula, RefusalsNameTheirPlace) {
+    const std::pair<const char*, const char*> refusals[] = {{"0xAG", "bad number at position 0"},
+                                                            {"0xz", "bad number at position 0"},
+                                                            {"2e", "bad number at position 0"},
+                                                            {"1+.", "unexpected character at position 2"},
+                                                            {"1 $", "unexpected character at position 2"},
+                                                            {"FOO(1)", "unexpected text at position 3"},
+                                                            {"(1", "')' expected at position 2"},
+                                                            {"1?2", "':' expected at position 3"}};
+    for (const auto& [formula, reason] : refusals) {
+        Camera camera(Knife("K", formula, true));
+        EXPECT_EQ(Failure<AccessException>([&] { camera.Int("K")->GetValue(); }),
+                  "Node 'K' is not readable: its formula is wrong: " + std::string(reason) +
+                      " (access mode NA).")
+            << formula;
+    }
+}
+
+TEST(Formula, WhatIsMissingOrNoNumberIsNamed) {
+    Camera camera(::Node("IntSwissKnife", "None", "") +
+                  Knife("Constant", "C", true, "<Constant Name=\"C\">ten</Constant>"));
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("None")->GetValue(); }),
+              "Node 'None' is not readable: its formula is wrong: it has no Formula (access mode NA).");
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("Constant")->GetValue(); }),
+              "Node 'Constant' is not readable: its formula is wrong: the constant 'C' is no number (access "
+              "mode NA).");
+}
+
+TEST(Formula, DeepOperandsHaveTheirPlace) {
+    std::string formula = "V";
+    for (int i = 0; i < 40; ++i)
+        formula = "V+(" + formula + ")";
+    Camera camera(Knife("K", formula, true, "<pVariable Name=\"V\">V</pVariable>") +
+                  ::Node("Integer", "V", "<Value>3</Value>"));
+    EXPECT_EQ(camera.Int("K")->GetValue(), 41 * 3);
+}
+
 TEST(Formula, FailuresSayWhatIsWrong) {
     Camera camera(Knife("Div", "1/0", true) + Knife("FDiv", "1/0.0", false) + Knife("Syntax", "1 +", true) +
                   Knife("Gone", "1+NOBODY", true) + Knife("Half", "1||NOBODY", true));
@@ -152,6 +246,51 @@ TEST(Formula, PropertiesConstantsAndExpressions) {
                         "<Expression Name=\"A\">B</Expression><Expression Name=\"B\">A</Expression>"));
     EXPECT_EQ(camera.Int("K")->GetValue(), 100 + 1 + 2000 + 8 + 5);
     EXPECT_EQ(camera.Mode("Loop"), NA);
+}
+
+TEST(Formula, EveryPropertyOfAVariable) {
+    const std::string variable =
+        "<pVariable Name=\"V\">V</pVariable><pVariable Name=\"F\">F</pVariable>"
+        "<pVariable Name=\"TS.Line\">V</pVariable><pVariable Name=\"A.B.C\">V</pVariable>"
+        "<pVariable Name=\"V2.Value\">V</pVariable>";
+    const std::string nodes = ::Node("Integer", "V",
+                                     "<Visibility>Guru</Visibility><Value>7</Value><Min>1</Min><Max>100</Max>"
+                                     "<Inc>3</Inc>") +
+                              ::Node("Float", "F", "<Value>0.5</Value><Inc>0.25</Inc>");
+    const std::pair<const char*, double> values[] = {{"V.Inc", 3},         {"F.Inc", 0.25},
+                                                     {"V.AccessMode", RW}, {"V.Visibility", Guru},
+                                                     {"TS.Line", 7},       {"A.B.C", 7},
+                                                     {"V2.Value", 7},      {"V.Value", 7},
+                                                     {"V.Max+V.Max", 200}, {"V.CachingMode", WriteThrough}};
+    for (const auto& [formula, value] : values)
+        EXPECT_EQ(Camera(nodes + Knife("K", formula, false, variable)).Float("K")->GetValue(), value)
+            << formula;
+    Camera none(Knife("K", "F.Inc", false, variable) + ::Node("Float", "F", "<Value>0.5</Value>"));
+    EXPECT_EQ(none.Float("K")->GetValue(), 0.0);
+}
+
+TEST(Formula, EntriesAreConstantsOfTheirEnumeration) {
+    const std::string names = "<pVariable Name=\"M\">Mode</pVariable><pVariable Name=\"V\">V</pVariable>"
+                              "<Constant Name=\"C\">3</Constant><ToolTip Name=\"T\">5</ToolTip>";
+    const std::string nodes =
+        "<Enumeration Name=\"Mode\"><EnumEntry Name=\"Bad\"/><EnumEntry Name=\"One\">"
+        "<Value>1</Value></EnumEntry><EnumEntry Name=\"Two\"><Value>2000</Value></EnumEntry>"
+        "<Value>1</Value></Enumeration>" +
+        ::Node("Integer", "V", "<Value>5</Value>");
+    for (const char* formula : {"M.Entry.Two", "M.Enum.Two"})
+        EXPECT_EQ(Camera(nodes + Knife("K", formula, true, names)).Int("K")->GetValue(), 2000) << formula;
+    for (const std::string name : {"M.Entry.Nobody", "M.Enum.Bad", "V.Entry.Two", "C.Max", "T", "Gone.Max"}) {
+        Camera camera(nodes + Knife("K", name, true, names));
+        EXPECT_EQ(Failure<RuntimeException>([&] { camera.Int("K")->GetValue(); }),
+                  "The formula of 'K' has no value now: '" + name + "' is not defined in \"" + name + "\".");
+    }
+}
+
+TEST(Formula, FirstOfTwoDeclarationsCounts) {
+    Camera camera(Knife("K", "C+D", true,
+                        "<Constant Name=\"D\">10</Constant><Constant Name=\"C\">1</Constant>"
+                        "<Constant Name=\"C\">2</Constant>"));
+    EXPECT_EQ(camera.Int("K")->GetValue(), 11);
 }
 
 TEST(Formula, BombsAreRefused) {
