@@ -10,7 +10,7 @@ namespace {
 
 void CheckPorts(Arena& arena, Description& description) {
     for (NodeDescription& node : description.nodes)
-        if (node.reg && node.error.empty() && description.nodes[node.reg->port].type != NodeType::Port)
+        if (node.reg && description.nodes[node.reg->port].type != NodeType::Port)
             arena.KeepText(node.error,
                            "pPort '" + description.nodes[node.reg->port].name.Copy() + "' is no Port");
 }

@@ -77,10 +77,11 @@ zip_uint64_t ChooseMember(zip_t* archive) {
     std::optional<zip_uint64_t> fallback;
     for (zip_int64_t i = 0; i < count; ++i) {
         const auto index = static_cast<zip_uint64_t>(i);
-        const char* name = zip_get_name(archive, index, ZIP_FL_ENC_RAW);
-        if (name && IsDescriptionName(name))
+        const char* const stored = zip_get_name(archive, index, ZIP_FL_ENC_RAW);
+        const std::string_view name = stored ? stored : "";
+        if (IsDescriptionName(name))
             return index;
-        if (name && *name && std::string_view(name).back() != '/' && !fallback)
+        if (!name.empty() && name.back() != '/' && !fallback)
             fallback = index;
     }
     if (!fallback)
@@ -203,7 +204,7 @@ std::string RepairUtf8(std::string_view text) {
         }
         const auto byte = static_cast<unsigned char>(text[at]);
         repaired.append(text.substr(copied, at - copied));
-        AppendUtf8(repaired, byte >= 0x80 && byte < 0xA0 ? kWindows[byte - 0x80] : byte);
+        AppendUtf8(repaired, byte < 0xA0 ? kWindows[byte - 0x80] : byte);
         copied = ++at;
     }
     return repaired.append(text.substr(copied));
@@ -225,12 +226,18 @@ size_t BeginOfText(std::string_view bytes) {
     return declaration == bytes.npos ? bytes.find("<RegisterDescription") : declaration;
 }
 
+/// Also behind a header, but not behind the text itself.
+bool HoldsArchive(std::string_view bytes) {
+    const size_t begin = bytes.find(kLocalHeader);
+    return begin == 0 || (begin < BeginOfText(bytes) && bytes.find(kEndOfDirectory, begin) != bytes.npos);
+}
+
 } // namespace
 
 std::string_view UnpackDescription(std::string_view bytes, std::string& storage) {
     if (bytes.size() > kMaxDescriptionSize)
         throw RUNTIME_EXCEPTION("The description is larger than %zu bytes.", kMaxDescriptionSize);
-    if (bytes.substr(0, kLocalHeader.size()) != kLocalHeader)
+    if (!HoldsArchive(bytes))
         return bytes;
     try {
         const Archive archive = OpenArchive(ArchiveIn(bytes));

@@ -214,16 +214,16 @@ void EnumerationNode::FromString(const gcstring& ValueStr, bool Verify) {
 }
 
 int64_t EnumEntryNode::GetValue() {
-    return Description().entry ? Description().entry->value : 0;
+    return Description().entry->value;
 }
 gcstring EnumEntryNode::GetSymbolic() const {
-    return Description().entry ? ToText(Description().entry->symbolic) : gcstring();
+    return ToText(Description().entry->symbolic);
 }
 double EnumEntryNode::GetNumericValue() {
-    return Description().entry ? Description().entry->numericValue : 0.0;
+    return Description().entry->numericValue;
 }
 bool EnumEntryNode::IsSelfClearing() {
-    return Description().entry && Description().entry->selfClearing;
+    return Description().entry->selfClearing;
 }
 gcstring EnumEntryNode::ToString(bool, bool) {
     return GetSymbolic();

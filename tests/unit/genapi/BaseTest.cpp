@@ -279,7 +279,7 @@ void ExpectTexts(const std::vector<std::pair<Enum, const char*>>& rows, const ch
 TEST(EnumTexts, OfEveryEnumeration) {
     using namespace GenApi;
     ExpectTexts<EAccessModeClass, EAccessMode>({{NI, "NI"}, {NA, "NA"}, {WO, "WO"}, {RO, "RO"}, {RW, "RW"}},
-                                        "_UndefinedAccesMode");
+                                               "_UndefinedAccesMode");
     ExpectTexts<EVisibilityClass, EVisibility>(
         {{Beginner, "Beginner"}, {Expert, "Expert"}, {Guru, "Guru"}, {Invisible, "Invisible"}},
         "_UndefinedVisibility");

@@ -1,6 +1,5 @@
 #include "Camera.h"
-
-#include <zip.h>
+#include "ZipArchive.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,35 +13,6 @@ using namespace GenApi;
 namespace {
 
 const std::string kXml = Describe(::Node("Integer", "Width", "<Value>640</Value>"));
-
-struct Member {
-    std::string name;
-    std::string content;
-};
-
-std::string Zip(const std::vector<Member>& members, zip_int32_t method = ZIP_CM_DEFAULT) {
-    zip_error_t error;
-    zip_error_init(&error);
-    zip_source_t* const memory = zip_source_buffer_create(nullptr, 0, 0, &error);
-    zip_source_keep(memory);
-    zip_t* const archive = zip_open_from_source(memory, ZIP_TRUNCATE, &error);
-    for (const Member& member : members) {
-        const zip_int64_t index = zip_file_add(
-            archive, member.name.c_str(),
-            zip_source_buffer(archive, member.content.data(), member.content.size(), 0), ZIP_FL_OVERWRITE);
-        zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), method, 0);
-    }
-    zip_close(archive);
-    zip_source_open(memory);
-    zip_source_seek(memory, 0, SEEK_END);
-    std::string bytes(static_cast<size_t>(zip_source_tell(memory)), '\0');
-    zip_source_seek(memory, 0, SEEK_SET);
-    zip_source_read(memory, &bytes[0], bytes.size());
-    zip_source_close(memory);
-    zip_source_free(memory);
-    zip_error_fini(&error);
-    return bytes;
-}
 
 CNodeMapRef Open(const std::string& bytes, EContentType_t type = ContentType_Xml) {
     return CNodeMapRef(
