@@ -4,10 +4,12 @@ set(templates "${CMAKE_CURRENT_LIST_DIR}")
 set(written "${CMAKE_CURRENT_BINARY_DIR}/descriptions")
 file(MAKE_DIRECTORY "${written}")
 
+# Which schema 1.x the description follows is CAMERA_SCHEMA_MINOR of the caller.
 function(zq_embed symbol file)
     set(source "${written}/${symbol}.cpp")
     add_custom_command(OUTPUT "${source}"
-        COMMAND "${CMAKE_COMMAND}" -DINPUT=${file} -DSYMBOL=${symbol} -DOUTPUT=${source}
+        COMMAND "${CMAKE_COMMAND}" -DINPUT=${file} -DSYMBOL=${symbol} -DSCHEMA_MINOR=${CAMERA_SCHEMA_MINOR}
+                -DOUTPUT=${source}
                 -P "${templates}/Embed.cmake"
         DEPENDS "${file}" "${templates}/Embed.cmake"
         COMMENT "Embedding ${symbol}" VERBATIM)
@@ -41,6 +43,7 @@ function(zq_read_part variable part)
     set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
+set(CAMERA_SCHEMA_MINOR 1)
 include("${templates}/Features.cmake")
 include("${templates}/ModuleEvents.cmake")
 
@@ -106,6 +109,12 @@ set(CAMERA_ENDIANESS BigEndian)
 set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000002)
 zq_write_camera(GEV)
 zq_zipped_description(camera_gev camera)
+set(CAMERA_MODEL SimGEV3M)
+set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000005)
+set(CAMERA_SCHEMA_MINOR 0)
+zq_write_camera(GEV)
+zq_zipped_description(camera_gev_schema10 camera)
+set(CAMERA_SCHEMA_MINOR 1)
 set(CAMERA_MODEL SimCXP12M)
 set(CAMERA_STANDARD None)
 set(CAMERA_GUID 5A51A501-0001-4000-8000-000000000003)

@@ -1,4 +1,4 @@
-# cmake -DINPUT=<file> -DSYMBOL=<name> -DOUTPUT=<file.cpp> -P Embed.cmake
+# cmake -DINPUT=<file> -DSYMBOL=<name> -DSCHEMA_MINOR=<0 or 1> -DOUTPUT=<file.cpp> -P Embed.cmake
 # Turns a description file into the definition of zqgentl::descriptions::<name>.
 get_filename_component(file_name "${INPUT}" NAME)
 file(READ "${INPUT}" hex HEX)
@@ -16,7 +16,7 @@ namespace descriptions {
 
 static const uint8_t bytes[] = {
 ${bytes}};
-const Description ${SYMBOL} = {\"${file_name}\", bytes, ${size}, {${hash}}};
+const Description ${SYMBOL} = {\"${file_name}\", bytes, ${size}, {${hash}}, ${SCHEMA_MINOR}};
 
 } // namespace descriptions
 } // namespace zqgentl

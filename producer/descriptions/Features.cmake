@@ -14,6 +14,9 @@
 # <node>, LOCKED_BY <node>, SELECTS <node>..., INVALIDATED_BY <node>..., VALID <value>..., POLLING <ms>, PORT <node>, ENDIANESS, EVENT_ID,
 # and the flags STREAMABLE, LOCKED (while TLParamsLocked is 1), NOCACHE, CUSTOM (not in the standard's namespace),
 # HIDDEN (in no category), SIGNED.
+#
+# CAMERA_SCHEMA_MINOR 0 writes them in the words of schema 1.0: integers have no unit and no set of valid values, texts
+# are the registers themselves, every register of the camera and of its chunks is big endian.
 
 macro(zq_begin_camera)
     set_property(GLOBAL PROPERTY zq_root "")
@@ -67,13 +70,19 @@ endfunction()
 
 function(zq_register name kind address length access)
     zq_options(${ARGN})
+    set(text "    <${kind}Reg Name=\"${name}\">\n")
+    zq_write_register()
+endfunction()
+
+# Writes what follows the first elements of a register, and its end.
+macro(zq_write_register)
     if(NOT DEFINED OPT_PORT)
         set(OPT_PORT Device)
     endif()
-    if(NOT DEFINED OPT_ENDIANESS)
+    if(NOT DEFINED OPT_ENDIANESS OR CAMERA_SCHEMA_MINOR EQUAL 0)
         set(OPT_ENDIANESS ${CAMERA_ENDIANESS})
     endif()
-    set(text "    <${kind}Reg Name=\"${name}\">\n        <Address>${address}</Address>\n")
+    string(APPEND text "        <Address>${address}</Address>\n")
     string(APPEND text "        <Length>${length}</Length>\n        <AccessMode>${access}</AccessMode>\n")
     string(APPEND text "        <pPort>${OPT_PORT}</pPort>\n")
     if(OPT_NOCACHE)
@@ -98,11 +107,10 @@ function(zq_register name kind address length access)
         string(APPEND text "        <Endianess>${OPT_ENDIANESS}</Endianess>\n")
     endif()
     zq_append("${text}    </${kind}Reg>\n\n")
-endfunction()
+endmacro()
 
-# The feature node of any type; what stands between its first and its last elements is <middle>.
-function(zq_feature type name tooltip middle)
-    zq_options(${ARGN})
+# What a feature of any type begins with.
+macro(zq_begin_feature type)
     set(namespace Standard)
     if(OPT_CUSTOM OR name MATCHES "^Simulation")
         set(namespace Custom)
@@ -115,6 +123,27 @@ function(zq_feature type name tooltip middle)
         set(OPT_LOCKED_BY TLParamsLocked)
     endif()
     zq_element(LOCKED_BY pIsLocked)
+endmacro()
+
+# The words of schema 1.1 that 1.0 lacks: 1, 2 and 4 become 1 to 4, and the camera itself refuses 3.
+macro(zq_restrict_to_schema type)
+    if(CAMERA_SCHEMA_MINOR EQUAL 0)
+        if(DEFINED OPT_VALID)
+            list(GET OPT_VALID 0 OPT_MIN)
+            list(GET OPT_VALID -1 OPT_MAX)
+            unset(OPT_VALID)
+        endif()
+        if("${type}" STREQUAL "Integer")
+            unset(OPT_UNIT)
+        endif()
+    endif()
+endmacro()
+
+# The feature node of any type; what stands between its first and its last elements is <middle>.
+function(zq_feature type name tooltip middle)
+    zq_options(${ARGN})
+    zq_restrict_to_schema(${type})
+    zq_begin_feature(${type})
     if(OPT_STREAMABLE)
         string(APPEND text "        <Streamable>Yes</Streamable>\n")
     endif()
@@ -131,8 +160,8 @@ function(zq_feature type name tooltip middle)
     zq_element(PMAX pMax)
     zq_element(INC Inc)
     zq_element(PINC pInc)
-    zq_element(REPRESENTATION Representation)
     zq_element(UNIT Unit)
+    zq_element(REPRESENTATION Representation)
     if(DEFINED OPT_VALID)
         string(APPEND text "        <ValidValueSet>${OPT_VALID}</ValidValueSet>\n")
     endif()
@@ -159,7 +188,15 @@ function(zq_float name address length access tooltip)
 endfunction()
 
 function(zq_string name address length access tooltip)
-    zq_feature_with_register(String String ${ARGN})
+    if(CAMERA_SCHEMA_MINOR EQUAL 1)
+        zq_feature_with_register(String String ${ARGN})
+        return()
+    endif()
+    set(kind String)
+    zq_options(${ARGN})
+    zq_begin_feature(StringReg)
+    zq_write_register()
+    zq_list_feature(${name})
 endfunction()
 
 function(zq_boolean name address access tooltip)

@@ -35,7 +35,8 @@ constexpr InfoRow<Port> portRows[] = {
 constexpr InfoRow<Port> urlRows[] = {
     {GenTL::URL_INFO_URL, GenTL::INFO_DATATYPE_STRING, [](const Port& p) { return InfoValue(p.Url()); }},
     {GenTL::URL_INFO_SCHEMA_VER_MAJOR, GenTL::INFO_DATATYPE_INT32, [](const Port&) { return InfoValue(1); }},
-    {GenTL::URL_INFO_SCHEMA_VER_MINOR, GenTL::INFO_DATATYPE_INT32, [](const Port&) { return InfoValue(1); }},
+    {GenTL::URL_INFO_SCHEMA_VER_MINOR, GenTL::INFO_DATATYPE_INT32,
+     [](const Port& p) { return InfoValue(p.File().schemaMinor); }},
     {GenTL::URL_INFO_FILE_VER_MAJOR, GenTL::INFO_DATATYPE_INT32, [](const Port&) { return InfoValue(1); }},
     {GenTL::URL_INFO_FILE_VER_MINOR, GenTL::INFO_DATATYPE_INT32, [](const Port&) { return InfoValue(0); }},
     {GenTL::URL_INFO_FILE_VER_SUBMINOR, GenTL::INFO_DATATYPE_INT32, [](const Port&) { return InfoValue(0); }},
@@ -74,7 +75,8 @@ void Port::AnswerUrlInfo(uint32_t index, GenTL::URL_INFO_CMD command, const Info
 }
 
 void Port::AnswerUrlList(char* text, size_t* size) const {
-    ReplyText(Url() + "?SchemaVersion=1.1.0" + '\0', text, size);
+    ReplyText(Url() + "?SchemaVersion=1." + std::to_string(m_description.schemaMinor) + ".0" + '\0', text,
+              size);
 }
 
 void Port::Read(uint64_t address, void* data, size_t size) const {

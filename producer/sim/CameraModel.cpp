@@ -23,17 +23,21 @@ struct Product {
     uint32_t sensorWidth;
     uint32_t sensorHeight;
     bool nativePixelCodes;
+    ByteOrder chunkOrder;
     const Description* description;
 };
 
 constexpr Product products[] = {
-    {Technology::Usb3Vision, false, "Sim-U3V-2M", ByteOrder::Little, 1920, 1080, false,
+    {Technology::Usb3Vision, false, "Sim-U3V-2M", ByteOrder::Little, 1920, 1080, false, ByteOrder::Little,
      &descriptions::camera_u3v},
-    {Technology::GigEVision, false, "Sim-GEV-5M", ByteOrder::Big, 2560, 2048, false,
+    {Technology::GigEVision, false, "Sim-GEV-5M", ByteOrder::Big, 2560, 2048, false, ByteOrder::Little,
      &descriptions::camera_gev},
-    {Technology::CoaXPress, false, "Sim-CXP-12M", ByteOrder::Big, 4096, 3072, false,
+    // Schema 1.0 knows big-endian registers only, those of the chunks among them.
+    {Technology::GigEVision, true, "Sim-GEV-3M", ByteOrder::Big, 2048, 1536, false, ByteOrder::Big,
+     &descriptions::camera_gev_schema10},
+    {Technology::CoaXPress, false, "Sim-CXP-12M", ByteOrder::Big, 4096, 3072, false, ByteOrder::Little,
      &descriptions::camera_cxp},
-    {Technology::CoaXPress, true, "Sim-CXP-25M", ByteOrder::Big, 5120, 5120, true,
+    {Technology::CoaXPress, true, "Sim-CXP-25M", ByteOrder::Big, 5120, 5120, true, ByteOrder::Little,
      &descriptions::camera_cxp_native},
 };
 
@@ -67,6 +71,7 @@ CameraModel CameraModelOf(const BusModel& bus, uint32_t number) {
     model.sensorWidth = product.sensorWidth;
     model.sensorHeight = product.sensorHeight;
     model.nativePixelCodes = product.nativePixelCodes;
+    model.chunkOrder = product.chunkOrder;
     model.cameraDescription = product.description;
     return model;
 }

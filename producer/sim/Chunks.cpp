@@ -87,8 +87,8 @@ constexpr std::array<uint16_t, 256> crcTable = MakeCrcTable();
 
 } // namespace
 
-ChunkLayout::ChunkLayout(Technology technology, ChunkMask mask, size_t imageSize)
-    : m_technology(technology), m_mask(mask),
+ChunkLayout::ChunkLayout(Technology technology, ChunkMask mask, size_t imageSize, ByteOrder dataOrder)
+    : m_technology(technology), m_dataOrder(dataOrder), m_mask(mask),
       m_imageSize((mask & MaskOf(Chunk::Image)) != 0 ? imageSize : 0) {
     size_t offset = 0;
     for (const ChunkRow& row : chunkRows) {
@@ -131,8 +131,7 @@ void ChunkLayout::Write(const ChunkValues& values, uint8_t* base) const {
         if (entry.chunk == Chunk::Image)
             std::memset(base + m_imageSize, 0, entry.length - m_imageSize);
         else
-            StoreBytes(data, ValueOf(entry.chunk, values, base, m_imageSize), entry.length,
-                       ByteOrder::Little);
+            StoreBytes(data, ValueOf(entry.chunk, values, base, m_imageSize), entry.length, m_dataOrder);
         Tag(data + entry.length, RowOf(entry.chunk).id, static_cast<uint32_t>(entry.length));
     }
 }

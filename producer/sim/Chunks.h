@@ -56,12 +56,13 @@ struct ChunkValues {
 
 /// How a payload with chunks is built. GigE Vision and USB3 Vision put a tag of id and length behind the data
 /// of every chunk, in the byte order of the transport; CoaXPress has no tags, its host is told the places.
-/// The data itself is little endian everywhere. Chunks begin at multiples of 4, the padding counted as data.
+/// The data itself has a byte order of its own. Chunks begin at multiples of 4, the padding counted as data.
 class ChunkLayout {
 public:
     ChunkLayout() = default;
     /// Without the image chunk the payload has chunks only.
-    ChunkLayout(Technology technology, ChunkMask mask, size_t imageSize);
+    ChunkLayout(Technology technology, ChunkMask mask, size_t imageSize,
+                ByteOrder dataOrder = ByteOrder::Little);
 
     [[nodiscard]] bool Empty() const noexcept { return m_count == 0; }
     [[nodiscard]] size_t PayloadSize() const noexcept { return m_payloadSize; }
@@ -85,6 +86,7 @@ private:
         size_t length;
     };
     Technology m_technology = Technology::Mixed;
+    ByteOrder m_dataOrder = ByteOrder::Little;
     ChunkMask m_mask = 0;
     size_t m_imageSize = 0;
     size_t m_payloadSize = 0;

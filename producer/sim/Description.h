@@ -11,6 +11,7 @@ struct Description {
     const uint8_t* data;
     size_t size;
     uint8_t sha1[20];
+    int32_t schemaMinor; ///< of schema 1
 };
 
 /// Where every register space holds its description.
@@ -29,6 +30,7 @@ extern const Description stream;
 extern const Description buffer;
 extern const Description camera_u3v;
 extern const Description camera_gev;
+extern const Description camera_gev_schema10;
 extern const Description camera_cxp;
 extern const Description camera_cxp_native;
 

@@ -16,13 +16,6 @@ std::chrono::seconds StreamingTime() {
     return std::chrono::seconds(text != nullptr ? std::atoi(text) : 2);
 }
 
-/// Sets a variable before the cameras are looked for, and takes it back.
-class SimulatedCameras {
-public:
-    explicit SimulatedCameras(const char* cameras) { ::setenv("ZQGENTL_SIM", cameras, 1); }
-    ~SimulatedCameras() { ::unsetenv("ZQGENTL_SIM"); }
-};
-
 /// Two USB3 Vision cameras, a GigE Vision and a CoaXPress one, in one array.
 class FourCameras : private SimulatedCameras, public Cameras {
 protected:

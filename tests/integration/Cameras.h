@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -30,6 +31,13 @@ constexpr uint64_t REPEAT_PART = 20;
 #else
 constexpr uint64_t REPEAT_PART = 1;
 #endif
+
+/// Sets a variable before the cameras are looked for, and takes it back.
+class SimulatedCameras {
+public:
+    explicit SimulatedCameras(const char* cameras) { ::setenv("ZQGENTL_SIM", cameras, 1); }
+    ~SimulatedCameras() { ::unsetenv("ZQGENTL_SIM"); }
+};
 
 /// The library and the system of all three cameras.
 class Cameras : public testing::Test {

@@ -22,9 +22,8 @@ struct Flavour {
     const char* deviceId;
 };
 constexpr Flavour flavours[] = {
-    {"U3V", "ZQ-U3V-0", "ZQ-U3V-0:SIM-U3V-0001"},
-    {"GEV", "ZQ-GEV-0", "ZQ-GEV-0:SIM-GEV-0001"},
-    {"CXP", "ZQ-CXP-0", "ZQ-CXP-0:SIM-CXP-0001"},
+    {"U3V", "ZQ-U3V-0", "ZQ-U3V-0:SIM-U3V-0001"},         {"GEV", "ZQ-GEV-0", "ZQ-GEV-0:SIM-GEV-0001"},
+    {"GEVSchema10", "ZQ-GEV-0", "ZQ-GEV-0:SIM-GEV-0002"}, {"CXP", "ZQ-CXP-0", "ZQ-CXP-0:SIM-CXP-0001"},
     {"CXPNative", "ZQ-CXP-0", "ZQ-CXP-0:SIM-CXP-0002"},
 };
 
@@ -75,7 +74,7 @@ public:
     void* remote = nullptr;
     void* stream = nullptr;
 
-    [[nodiscard]] bool IsGev() const { return std::string(flavour.name) == "GEV"; }
+    [[nodiscard]] bool IsGev() const { return std::string(flavour.interfaceId) == "ZQ-GEV-0"; }
     [[nodiscard]] GenApi::INodeMap& Map(Module module);
     [[nodiscard]] GenApi::INode& Node(Module module, const std::string& name);
     template <class T>
