@@ -214,7 +214,11 @@ function(zq_command name address tooltip)
     zq_feature(Command ${name} "${tooltip}"
         "        <pValue>${name}Reg</pValue>\n        <CommandValue>1</CommandValue>\n" ${ARGN})
     zq_options(${ARGN})
-    zq_register(${name}Reg Int ${address} 4 WO NOCACHE)
+    if(DEFINED OPT_PORT)
+        zq_register(${name}Reg Int ${address} 4 WO NOCACHE PORT ${OPT_PORT})
+    else()
+        zq_register(${name}Reg Int ${address} 4 WO NOCACHE)
+    endif()
 endfunction()
 
 # Bytes without meaning to the node map.

@@ -13,7 +13,8 @@ function(zq_write_module_events port first_id frame)
     endforeach()
     zq_enumeration(EventSelector 0x0A00 RW "The event that EventNotification switches." SELECTS EventNotification
         NOCACHE PORT ${port} ENTRIES ${entries})
-    zq_enumeration(EventNotification 0x0A04 RW "Whether this event is sent." NOCACHE PORT ${port} ENTRIES Off=0 On=1)
+    zq_enumeration(EventNotification 0x0A04 RW "Whether this event is sent; Once is Off after the next one." NOCACHE PORT ${port}
+        ENTRIES Off=0 On=1 Once=2)
     set(number 0)
     foreach(event IN LISTS ARGN)
         math(EXPR id "0x${first_id} + ${number}" OUTPUT_FORMAT HEXADECIMAL)

@@ -37,6 +37,24 @@ void SetMechanism(DeviceModule& device, const Value& value) {
     device.SetEndianessMechanism(mechanism);
 }
 
+template <auto Address>
+Value Get(const DeviceModule& device) {
+    return Value((device.Device().network.*Address).load());
+}
+
+void SetLinkTimeout(DeviceModule& device, const Value& value) {
+    const double timeout = std::get<double>(value);
+    if (!(timeout >= linkTimeoutMinUs && timeout <= linkTimeoutMaxUs))
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "LinkCommandTimeout is from 1000 to 60000000 us");
+    device.Link().timeoutUs = timeout;
+}
+
+void SetLinkRetries(DeviceModule& device, const Value& value) {
+    if (std::get<int64_t>(value) > linkRetriesMax)
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "LinkCommandRetryCount is from 0 to 10");
+    device.Link().retries = std::get<int64_t>(value);
+}
+
 constexpr RegisterRow<DeviceModule> commonRows[] = {
     {0x0100, 64, Text, [](const DeviceModule& d) { return OfText(ModelOf(d).deviceId); }, nullptr},
     {0x0140, 64, Text, [](const DeviceModule&) { return OfText(vendorName); }, nullptr},
@@ -52,15 +70,22 @@ constexpr RegisterRow<DeviceModule> commonRows[] = {
     {0x0308, 8, Integer, [](const DeviceModule&) { return Value(int64_t{1000000000}); }, nullptr},
     {0x0400, 4, Integer, [](const DeviceModule&) { return Value(int64_t{0}); }, SelectOnly},
     {0x0440, 64, Text, [](const DeviceModule&) { return OfText(StreamModule::id); }, nullptr},
+    {0x0500, 64, Text, [](const DeviceModule&) { return OfText("ZqApi simulated cameras"); }, nullptr},
+    {0x0540, 64, Text, [](const DeviceModule&) { return OfText("exists in memory only"); }, nullptr},
+    {0x0580, 8, RegisterKind::Float, [](const DeviceModule& d) { return Value(d.Link().timeoutUs.load()); },
+     SetLinkTimeout},
+    {0x0588, 4, Integer, [](const DeviceModule& d) { return Value(d.Link().retries.load()); },
+     SetLinkRetries},
 };
 
 constexpr RegisterRow<DeviceModule> gevRows[] = {
-    {0x0700, 8, Integer, [](const DeviceModule& d) { return Value(DeviceMacAddress(ModelOf(d))); }, nullptr},
-    {0x0708, 4, Integer, [](const DeviceModule& d) { return Value(DeviceIp(ModelOf(d))); }, nullptr},
-    {0x070C, 4, Integer, [](const DeviceModule&) { return Value(simulatedSubnetMask); }, nullptr},
-    {0x0710, 4, Integer, [](const DeviceModule&) { return Value(int64_t{0}); }, nullptr},
+    {0x0700, 8, Integer, [](const DeviceModule& d) { return Value(d.Device().network.mac); }, nullptr},
+    {0x0708, 4, Integer, Get<&NetworkAddress::ip>, nullptr},
+    {0x070C, 4, Integer, Get<&NetworkAddress::mask>, nullptr},
+    {0x0710, 4, Integer, Get<&NetworkAddress::gateway>, nullptr},
     // The registers of the simulated camera are big endian by either mechanism.
     {0x0714, 4, Integer, [](const DeviceModule& d) { return Value(d.EndianessMechanism()); }, SetMechanism},
+    {0x0718, 4, Integer, [](const DeviceModule&) { return Value(int64_t{1500}); }, nullptr},
 };
 
 } // namespace

@@ -26,6 +26,8 @@ public:
 
     [[nodiscard]] InterfaceModule& Parent() const noexcept { return *m_parent; }
     [[nodiscard]] SimulatedDevice& Device() const noexcept { return m_device; }
+    /// How long the camera's registers are waited for.
+    [[nodiscard]] LinkSettings& Link() const noexcept { return m_remotePort->Link(); }
     [[nodiscard]] void* RemotePortHandle() const noexcept { return m_remotePort->Handle(); }
 
     [[nodiscard]] void* OpenStream(const std::string& id);

@@ -49,9 +49,9 @@ GC_API TLGetInfo(TL_HANDLE system, TL_INFO_CMD command, INFO_DATATYPE* type, voi
     return Guard("TLGetInfo", [&] { Get<SystemModule>(system)->AnswerInfo(command, {type, buffer, size}); });
 }
 
-GC_API TLUpdateInterfaceList(TL_HANDLE system, bool8_t* changed, uint64_t) {
+GC_API TLUpdateInterfaceList(TL_HANDLE system, bool8_t* changed, uint64_t timeoutMs) {
     return Guard("TLUpdateInterfaceList", [&] {
-        const bool isChanged = Get<SystemModule>(system)->UpdateList();
+        const bool isChanged = Get<SystemModule>(system)->UpdateList(timeoutMs);
         if (changed != nullptr)
             *changed = isChanged;
     });
@@ -103,9 +103,9 @@ GC_API IFGetParentTL(IF_HANDLE interface, TL_HANDLE* system) {
     });
 }
 
-GC_API IFUpdateDeviceList(IF_HANDLE interface, bool8_t* changed, uint64_t) {
+GC_API IFUpdateDeviceList(IF_HANDLE interface, bool8_t* changed, uint64_t timeoutMs) {
     return Guard("IFUpdateDeviceList", [&] {
-        const bool isChanged = Get<InterfaceModule>(interface)->UpdateList();
+        const bool isChanged = Get<InterfaceModule>(interface)->UpdateList(timeoutMs);
         if (changed != nullptr)
             *changed = isChanged;
     });

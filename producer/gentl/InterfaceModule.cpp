@@ -20,9 +20,10 @@ Value Selected(const InterfaceModule& interface, int64_t value) {
     return Value(interface.Selected() == nullptr ? 0 : value);
 }
 
-Value SelectedAddress(const InterfaceModule& interface, int64_t (*address)(const CameraModel&)) {
+template <auto Address>
+Value SelectedAddress(const InterfaceModule& interface) {
     const SimulatedDevice* device = interface.Selected();
-    return Value(device == nullptr ? 0 : address(device->camera.Model()));
+    return Value(device == nullptr ? int64_t{0} : int64_t{device->network.*Address});
 }
 
 constexpr RegisterRow<InterfaceModule> commonRows[] = {
@@ -34,9 +35,6 @@ constexpr RegisterRow<InterfaceModule> commonRows[] = {
      [](const InterfaceModule& i) { return Value(static_cast<int64_t>(i.Model().technology)); }, nullptr},
     {0x0304, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{1}); }, nullptr},
     {0x0308, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{0}); }, nullptr},
-    // A command that is done as soon as it is written, so it always reads as done.
-    {0x0400, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{0}); },
-     [](InterfaceModule& interface, const Value&) { interface.UpdateList(); }},
     {0x0410, 4, Integer, [](const InterfaceModule& i) { return Value(static_cast<int64_t>(i.Selector())); },
      [](InterfaceModule& interface, const Value& value) { interface.Select(std::get<int64_t>(value)); }},
     {0x0414, 4, Integer,
@@ -61,6 +59,17 @@ constexpr RegisterRow<InterfaceModule> commonRows[] = {
                                                       : i.Selected()->AccessStatus()});
      },
      nullptr},
+    {0x0640, 64, Text,
+     [](const InterfaceModule& i) {
+         return Value(i.Selected() == nullptr ? std::string() : i.Selected()->camera.UserId());
+     },
+     nullptr},
+    {0x0680, 128, Text,
+     [](const InterfaceModule& i) {
+         return Value(i.Selected() == nullptr ? std::string()
+                                              : DeviceDisplayName(i.Selected()->camera.Model()));
+     },
+     nullptr},
     {0x0604, 4, Integer, [](const InterfaceModule& i) { return Selected(i, 1); }, nullptr},
     {0x0608, 4, Integer, [](const InterfaceModule& i) { return Selected(i, 0); }, nullptr},
 };
@@ -83,6 +92,18 @@ void SetScheduled(InterfaceModule& interface, const Value& value) {
     SetKey<&Keys::scheduled>(interface, value);
 }
 
+using Forced = InterfaceModule::ForcedAddress;
+
+template <auto Part>
+Value GetForced(const InterfaceModule& interface) {
+    return Value((interface.Forced().*Part).load());
+}
+
+template <auto Part>
+void SetForced(InterfaceModule& interface, const Value& value) {
+    interface.Forced().*Part = std::get<int64_t>(value);
+}
+
 constexpr RegisterRow<InterfaceModule> gevRows[] = {
     {0x0800, 4, Integer, GetKey<&Keys::device>, SetKey<&Keys::device>},
     {0x0804, 4, Integer, GetKey<&Keys::group>, SetKey<&Keys::group>},
@@ -94,10 +115,15 @@ constexpr RegisterRow<InterfaceModule> gevRows[] = {
     {0x0708, 4, Integer, [](const InterfaceModule&) { return Value(simulatedInterfaceIp); }, nullptr},
     {0x070C, 4, Integer, [](const InterfaceModule&) { return Value(simulatedSubnetMask); }, nullptr},
     {0x0710, 4, Integer, [](const InterfaceModule&) { return Value(int64_t{0}); }, nullptr},
-    {0x0718, 8, Integer, [](const InterfaceModule& i) { return SelectedAddress(i, DeviceMacAddress); },
-     nullptr},
-    {0x0720, 4, Integer, [](const InterfaceModule& i) { return SelectedAddress(i, DeviceIp); }, nullptr},
-    {0x0724, 4, Integer, [](const InterfaceModule& i) { return Selected(i, simulatedSubnetMask); }, nullptr},
+    {0x0718, 8, Integer, SelectedAddress<&NetworkAddress::mac>, nullptr},
+    {0x0720, 4, Integer, SelectedAddress<&NetworkAddress::ip>, nullptr},
+    {0x0724, 4, Integer, SelectedAddress<&NetworkAddress::mask>, nullptr},
+    {0x0728, 4, Integer, SelectedAddress<&NetworkAddress::gateway>, nullptr},
+    {0x0740, 4, Integer, GetForced<&Forced::ip>, SetForced<&Forced::ip>},
+    {0x0744, 4, Integer, GetForced<&Forced::mask>, SetForced<&Forced::mask>},
+    {0x0748, 4, Integer, GetForced<&Forced::gateway>, SetForced<&Forced::gateway>},
+    {0x074C, 4, Integer, nullptr, [](InterfaceModule& interface, const Value&) { interface.ForceAddress(); }},
+    {0x0820, 4, Integer, GetKey<&Keys::destination>, SetKey<&Keys::destination>},
 };
 
 /// Numbered as the enumeration EventSelector numbers them.
@@ -112,6 +138,7 @@ InterfaceModule::InterfaceModule(std::shared_ptr<SystemModule> parent, Simulated
               "InterfacePort", false, true},
              m_registers, *Model().interfaceDescription) {
     m_registers.Bind(*this, commonRows);
+    m_registers.Bind(*this, updateRows<InterfaceModule>);
     m_moduleEvents.BindTo(m_registers);
     if (Model().technology == Technology::GigEVision)
         m_registers.Bind(*this, gevRows);
@@ -165,9 +192,23 @@ void InterfaceModule::Select(int64_t index) {
 }
 
 void InterfaceModule::SendAction() {
-    for (size_t i = 0; i < m_bus.DeviceCount(); ++i)
-        m_bus.DeviceAt(i).camera.Act(m_action.device, m_action.group, m_action.mask,
-                                     m_action.scheduled != 0 ? m_action.timeNs.load() : 0);
+    const int64_t destination = m_action.destination;
+    for (size_t i = 0; i < m_bus.DeviceCount(); ++i) {
+        SimulatedDevice& device = m_bus.DeviceAt(i);
+        if (device.network.Hears(destination))
+            device.camera.Act(m_action.device, m_action.group, m_action.mask,
+                              m_action.scheduled != 0 ? m_action.timeNs.load() : 0);
+    }
+}
+
+void InterfaceModule::ForceAddress() {
+    const std::optional<size_t> listed = m_list.At(m_selector);
+    if (!listed.has_value())
+        throw Failure(GenTL::GC_ERR_ACCESS_DENIED, "no device is selected");
+    SimulatedDevice& device = m_bus.DeviceAt(*listed);
+    if (device.AccessStatus() != GenTL::DEVICE_ACCESS_STATUS_READWRITE)
+        throw Failure(GenTL::GC_ERR_ACCESS_DENIED, "the device is open, or gone");
+    device.network.Force(m_forced.ip, m_forced.mask, m_forced.gateway);
 }
 
 void InterfaceModule::OnInterfaceLost() {

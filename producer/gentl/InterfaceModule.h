@@ -5,6 +5,7 @@
 #include "producer/gentl/ListState.h"
 #include "producer/gentl/ModuleEvents.h"
 #include "producer/gentl/OpenChildren.h"
+#include "producer/gentl/UpdateTimes.h"
 
 #include <atomic>
 #include <memory>
@@ -26,7 +27,13 @@ public:
     [[nodiscard]] SystemModule& Parent() const noexcept { return *m_parent; }
     [[nodiscard]] const BusModel& Model() const noexcept { return m_bus.Model(); }
 
-    bool UpdateList() { return m_list.Update(m_bus.PresentDevices()); }
+    /// GC_ERR_TIMEOUT, and the old list, when the search takes longer.
+    bool UpdateList(uint64_t timeoutMs) {
+        m_times.Search(timeoutMs);
+        return m_list.Update(m_bus.PresentDevices());
+    }
+    [[nodiscard]] UpdateTimes& Times() noexcept { return m_times; }
+    [[nodiscard]] const UpdateTimes& Times() const noexcept { return m_times; }
     [[nodiscard]] size_t ListedCount() const { return m_list.Count(); }
     [[nodiscard]] const SimulatedDevice& Listed(uint32_t index) const;
     [[nodiscard]] const SimulatedDevice& WithId(const std::string& id) const;
@@ -49,10 +56,22 @@ public:
         std::atomic<int64_t> mask{0};
         std::atomic<int64_t> scheduled{0}; ///< whether the time counts
         std::atomic<int64_t> timeNs{0};
+        std::atomic<int64_t> destination{broadcastAddress};
     };
     [[nodiscard]] ActionKeys& Action() noexcept { return m_action; }
     [[nodiscard]] const ActionKeys& Action() const noexcept { return m_action; }
     void SendAction();
+
+    /// What GevDeviceForceIP gives the selected device.
+    struct ForcedAddress {
+        std::atomic<int64_t> ip{0};
+        std::atomic<int64_t> mask{simulatedSubnetMask};
+        std::atomic<int64_t> gateway{0};
+    };
+    [[nodiscard]] ForcedAddress& Forced() noexcept { return m_forced; }
+    [[nodiscard]] const ForcedAddress& Forced() const noexcept { return m_forced; }
+    /// GC_ERR_ACCESS_DENIED while the device is open.
+    void ForceAddress();
 
 private:
     [[nodiscard]] SimulatedDevice& Find(const std::string& id) const;
@@ -60,8 +79,10 @@ private:
     std::shared_ptr<SystemModule> m_parent;
     SimulatedInterface& m_bus;
     ListState m_list;
+    UpdateTimes m_times;
     std::atomic<size_t> m_selector{0};
     ActionKeys m_action;
+    ForcedAddress m_forced;
     ModuleEvents m_moduleEvents;
     OpenChildren<DeviceModule> m_devices;
     RegisterMap m_registers{ByteOrder::Little};

@@ -12,15 +12,47 @@
 
 namespace zqgentl {
 
+/// Addresses that the description of GigE Vision modules shows; from a range reserved for benchmarks of
+/// networks.
+constexpr int64_t simulatedMacAddress = 0x020000000001;
+constexpr int64_t simulatedInterfaceIp = 0xC6120001;
+constexpr int64_t simulatedSubnetMask = 0xFFFE0000;
+constexpr int64_t broadcastAddress = 0xFFFFFFFF;
+
+/// Where a camera is in its network. Any thread may use it.
+struct NetworkAddress {
+    explicit NetworkAddress(const CameraModel& model)
+        : mac(simulatedMacAddress + model.number), ownIp(simulatedInterfaceIp + model.number), ip(ownIp) {}
+
+    /// Another address; with 0 the one that it had from the start.
+    void Force(int64_t newIp, int64_t newMask, int64_t newGateway) {
+        ip = newIp == 0 ? ownIp : newIp;
+        mask = newIp == 0 ? simulatedSubnetMask : newMask;
+        gateway = newIp == 0 ? 0 : newGateway;
+    }
+    /// Whether it hears what is sent there: to itself, to its subnet or to everybody.
+    [[nodiscard]] bool Hears(int64_t destination) const {
+        return destination == ip || destination == broadcastAddress ||
+               destination == (ip | (mask ^ broadcastAddress));
+    }
+
+    const int64_t mac;
+    const int64_t ownIp;
+    std::atomic<int64_t> ip;
+    std::atomic<int64_t> mask{simulatedSubnetMask};
+    std::atomic<int64_t> gateway{0};
+};
+
 /// A camera and what a consumer may be told of it without opening it.
 struct SimulatedDevice {
-    explicit SimulatedDevice(const CameraModel& model) : camera(model) {}
+    explicit SimulatedDevice(const CameraModel& model) : camera(model), network(model) {}
 
     [[nodiscard]] GenTL::DEVICE_ACCESS_STATUS AccessStatus() const noexcept {
         return camera.Lost() || camera.Away() ? GenTL::DEVICE_ACCESS_STATUS_NOACCESS : openStatus.load();
     }
 
     Camera camera;
+    NetworkAddress network;
     std::atomic<GenTL::DEVICE_ACCESS_STATUS> openStatus{GenTL::DEVICE_ACCESS_STATUS_READWRITE};
 };
 
@@ -89,18 +121,6 @@ public:
 private:
     std::vector<std::unique_ptr<SimulatedInterface>> m_interfaces;
 };
-
-/// Addresses that the description of GigE Vision modules shows; from a range reserved for benchmarks of
-/// networks.
-constexpr int64_t simulatedMacAddress = 0x020000000001;
-constexpr int64_t simulatedInterfaceIp = 0xC6120001;
-constexpr int64_t simulatedSubnetMask = 0xFFFE0000;
-[[nodiscard]] inline int64_t DeviceMacAddress(const CameraModel& model) {
-    return simulatedMacAddress + model.number;
-}
-[[nodiscard]] inline int64_t DeviceIp(const CameraModel& model) {
-    return simulatedInterfaceIp + model.number;
-}
 
 void AnswerDeviceInfo(const SimulatedDevice& device, GenTL::DEVICE_INFO_CMD command,
                       const InfoTarget& target);

@@ -12,7 +12,8 @@ using Value = RegisterValue;
 constexpr RegisterRow<ModuleEvents> rows[] = {
     {0x0A00, 4, RegisterKind::Integer, [](const ModuleEvents& e) { return Value(e.Selected()); },
      [](ModuleEvents& e, const Value& v) { e.Select(std::get<int64_t>(v)); }},
-    {0x0A04, 4, RegisterKind::Integer, [](const ModuleEvents& e) { return Value(int64_t{e.Notifies()}); },
+    {0x0A04, 4, RegisterKind::Integer,
+     [](const ModuleEvents& e) { return Value(static_cast<int64_t>(e.Notifies())); },
      [](ModuleEvents& e, const Value& v) { e.SetNotifies(std::get<int64_t>(v)); }},
 };
 
@@ -29,13 +30,33 @@ void ModuleEvents::Select(int64_t event) {
 }
 
 void ModuleEvents::SetNotifies(int64_t notification) {
-    if (notification != 0 && notification != 1)
-        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "EventNotification can only be Off or On");
+    if (notification < 0 || notification > static_cast<int64_t>(Notification::Once))
+        throw Failure(GenTL::GC_ERR_INVALID_VALUE, "EventNotification can only be Off, On or Once");
     const uint32_t bit = uint32_t{1} << m_selected;
-    if (notification == 1)
-        m_mask |= bit;
-    else
-        m_mask &= ~bit;
+    const auto set = [&](std::atomic<uint32_t>& mask, Notification meant) {
+        if (notification == static_cast<int64_t>(meant))
+            mask |= bit;
+        else
+            mask &= ~bit;
+    };
+    set(m_once, Notification::Once);
+    set(m_on, Notification::On);
+}
+
+Notification ModuleEvents::NotificationOf(uint32_t event) const noexcept {
+    const auto has = [&](const std::atomic<uint32_t>& mask) {
+        return ((mask.load(std::memory_order_acquire) >> event) & 1) != 0;
+    };
+    if (has(m_on))
+        return Notification::On;
+    return has(m_once) ? Notification::Once : Notification::Off;
+}
+
+bool ModuleEvents::Takes(uint32_t event) noexcept {
+    const Notification notification = NotificationOf(event);
+    const uint32_t bit = uint32_t{1} << event;
+    return notification == Notification::On ||
+           (notification == Notification::Once && (m_once.fetch_and(~bit) & bit) != 0);
 }
 
 void ModuleEvents::SendNow(uint32_t event, uint64_t frameId) {

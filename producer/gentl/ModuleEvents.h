@@ -1,6 +1,7 @@
 #pragma once
 
 #include "producer/gentl/Module.h"
+#include "producer/sim/CameraEvents.h"
 
 #include <atomic>
 #include <cstdint>
@@ -26,16 +27,25 @@ public:
     template <class Number>
     void Send(Number number, uint64_t frameId = 0) {
         const auto event = static_cast<uint32_t>(number);
-        if (((m_mask.load(std::memory_order_acquire) >> event) & 1) != 0)
+        if (Takes(event))
             SendNow(event, frameId);
+    }
+    /// Whether the next such event would be sent.
+    template <class Number>
+    [[nodiscard]] bool Wants(Number number) const noexcept {
+        return NotificationOf(static_cast<uint32_t>(number)) != Notification::Off;
     }
 
     [[nodiscard]] int64_t Selected() const noexcept { return m_selected; }
     void Select(int64_t event);
-    [[nodiscard]] bool Notifies() const noexcept { return ((m_mask >> m_selected) & 1) != 0; }
+    /// Of the event that is selected.
+    [[nodiscard]] Notification Notifies() const noexcept { return NotificationOf(m_selected); }
     void SetNotifies(int64_t notification);
 
 private:
+    [[nodiscard]] Notification NotificationOf(uint32_t event) const noexcept;
+    /// Whether an event that happens now is to be sent; of one that is sent once, to one thread alone.
+    [[nodiscard]] bool Takes(uint32_t event) noexcept;
     void SendNow(uint32_t event, uint64_t frameId);
 
     Module& m_module;
@@ -43,7 +53,8 @@ private:
     const uint32_t m_count;
     const Frames m_frames;
     std::atomic<uint32_t> m_selected{0};
-    std::atomic<uint32_t> m_mask{0};
+    std::atomic<uint32_t> m_on{0};
+    std::atomic<uint32_t> m_once{0};
 };
 
 } // namespace zqgentl

@@ -15,7 +15,7 @@ void RemotePort::RequireAlive() const {
 
 void RemotePort::Read(uint64_t address, void* data, size_t size) const {
     RequireAlive();
-    m_camera.PassPort(address, size, false);
+    m_camera.PassPort(address, size, Camera::Access::Read, m_link.Patience());
     Port::Read(address, data, size);
 }
 
@@ -23,7 +23,7 @@ void RemotePort::Write(uint64_t address, const void* data, size_t size) const {
     RequireAlive();
     if (!Facts().writable)
         throw Failure(GenTL::GC_ERR_ACCESS_DENIED, "the device is opened read only");
-    m_camera.PassPort(address, size, true);
+    m_camera.PassPort(address, size, Camera::Access::Write, m_link.Patience());
     Port::Write(address, data, size);
 }
 

@@ -4,9 +4,24 @@
 #include "producer/gentl/Port.h"
 #include "producer/sim/Camera.h"
 
+#include <atomic>
+#include <chrono>
 #include <memory>
 
 namespace zqgentl {
+
+/// How long an access to the camera waits for its answer, each time it is tried. Any thread may use it.
+struct LinkSettings {
+    std::atomic<double> timeoutUs{1e7};
+    std::atomic<int64_t> retries{3};
+
+    [[nodiscard]] std::chrono::microseconds Patience() const {
+        return std::chrono::microseconds(static_cast<int64_t>(timeoutUs * static_cast<double>(retries + 1)));
+    }
+};
+constexpr double linkTimeoutMinUs = 1e3;
+constexpr double linkTimeoutMaxUs = 6e7;
+constexpr int64_t linkRetriesMax = 10;
 
 /// The port of the camera itself: what DevGetPort hands out. It ends with its device.
 class RemotePort final : public Object, public Port {
@@ -19,6 +34,8 @@ public:
     [[nodiscard]] void* Handle() const noexcept { return m_handle; }
     void SetHandle(void* handle) noexcept { m_handle = handle; }
 
+    [[nodiscard]] LinkSettings& Link() noexcept { return m_link; }
+
     /// Both fail with GC_ERR_IO once the camera is lost.
     void Read(uint64_t address, void* data, size_t size) const override;
     void Write(uint64_t address, const void* data, size_t size) const override;
@@ -28,6 +45,7 @@ private:
 
     std::shared_ptr<const Object> m_owner;
     const Camera& m_camera;
+    LinkSettings m_link;
     void* m_handle = nullptr;
 };
 

@@ -167,8 +167,11 @@ void StreamEngine::Stop(GenTL::ACQ_STOP_FLAGS flags) {
         return;
     }
     m_settled.wait(lock, [this] { return !m_writing && !m_beginning; });
-    if (m_current != nullptr)
-        DeliverUnfinished();
+    if (m_current == nullptr)
+        return;
+    const uint64_t frameId = m_currentFrame.frameId;
+    DeliverUnfinished();
+    TellDelivered(lock, frameId);
 }
 
 void StreamEngine::DeliverUnfinished() {

@@ -29,6 +29,10 @@ struct TransferNews {
 class StreamListener {
 public:
     virtual void OnTransferEnd(BufferModule& buffer, const TransferNews& news) = 0;
+    /// A frame has come into the output queue, if that is wanted to be told; from a kill on the thread of its
+    /// caller.
+    [[nodiscard]] virtual bool WantsNewBuffers() const = 0;
+    virtual void OnNewBuffer(uint64_t frameId) = 0;
 
 protected:
     ~StreamListener() = default;
@@ -120,6 +124,8 @@ private:
     /// Delivers a frame that has been written, late if it is to be.
     void Finish(Lock& lock, BufferModule& buffer, const FrameTicket& ticket);
     void Deliver(BufferModule& buffer);
+    /// Lets go of the lock meanwhile.
+    void TellDelivered(Lock& lock, uint64_t frameId);
     void DeliverUnfinished();
     /// GC_ERR_INVALID_HANDLE after Shutdown: a thread may still be in a call when another closes the stream.
     void RequireOpen() const;

@@ -83,14 +83,15 @@ constexpr RegisterRow<StreamModule> registerRows[] = {
 };
 
 /// Numbered as the enumeration EventSelector numbers them.
-enum class StreamEvent { TransferEnd, BufferTooSmall, BuffersDiscarded };
+enum class StreamEvent { TransferEnd, BufferTooSmall, BuffersDiscarded, NewBufferData };
+constexpr uint32_t streamEventCount = 4;
 constexpr uint16_t firstStreamEvent = 0x9030;
 
 } // namespace
 
 StreamModule::StreamModule(std::shared_ptr<DeviceModule> parent, Camera& camera)
     : Module(kind), m_parent(std::move(parent)), m_camera(camera),
-      m_moduleEvents(*this, firstStreamEvent, 3, ModuleEvents::Frames::Yes),
+      m_moduleEvents(*this, firstStreamEvent, streamEventCount, ModuleEvents::Frames::Yes),
       m_engine(std::make_shared<StreamEngine>(camera, *this)),
       m_port({id, camera.Model().modelName, camera.Model().tlType, "TLDataStream", ZQGENTL_VERSION,
               "StreamPort", false, true},
@@ -143,6 +144,14 @@ void StreamModule::OnTransferEnd(BufferModule& buffer, const TransferNews& news)
                          "frame " + std::to_string(news.frameId) + " is larger than its buffer");
     Fire(error);
     buffer.Fire(error);
+}
+
+bool StreamModule::WantsNewBuffers() const {
+    return m_moduleEvents.Wants(StreamEvent::NewBufferData);
+}
+
+void StreamModule::OnNewBuffer(uint64_t frameId) {
+    m_moduleEvents.Send(StreamEvent::NewBufferData, frameId);
 }
 
 void StreamModule::AnswerInfo(GenTL::STREAM_INFO_CMD command, const InfoTarget& target) const {

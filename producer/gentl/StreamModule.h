@@ -30,6 +30,8 @@ public:
     void AnswerInfo(GenTL::STREAM_INFO_CMD command, const InfoTarget& target) const;
     void Close();
     void OnTransferEnd(BufferModule& buffer, const TransferNews& news) override;
+    [[nodiscard]] bool WantsNewBuffers() const override;
+    void OnNewBuffer(uint64_t frameId) override;
 
     [[nodiscard]] const Port& ModulePort() const override { return m_port; }
 

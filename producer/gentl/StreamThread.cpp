@@ -207,6 +207,15 @@ void StreamEngine::Finish(Lock& lock, BufferModule& buffer, const FrameTicket& t
             return;
     }
     Deliver(buffer);
+    TellDelivered(lock, ticket.frameId);
+}
+
+void StreamEngine::TellDelivered(Lock& lock, uint64_t frameId) {
+    if (!m_listener.WantsNewBuffers())
+        return;
+    lock.unlock();
+    m_listener.OnNewBuffer(frameId);
+    lock.lock();
 }
 
 void StreamEngine::Send(EventKind kind, const FrameTicket& ticket, uint64_t timestampNs) {

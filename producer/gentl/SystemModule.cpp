@@ -12,6 +12,9 @@ constexpr const char* displayName = "ZqApi simulated cameras";
 constexpr const char* version = ZQGENTL_VERSION;
 constexpr int32_t genTLMajor = 1;
 constexpr int32_t genTLMinor = 5;
+// Of the naming convention that the module descriptions follow.
+constexpr int32_t conventionMajor = 1;
+constexpr int32_t conventionMinor = 2;
 
 std::string PathName() {
     Dl_info info{};
@@ -70,9 +73,8 @@ constexpr RegisterRow<SystemModule> registerRows[] = {
      nullptr},
     {0x0304, 4, Integer, [](const SystemModule&) { return Value(int64_t{genTLMajor}); }, nullptr},
     {0x0308, 4, Integer, [](const SystemModule&) { return Value(int64_t{genTLMinor}); }, nullptr},
-    // A command that is done as soon as it is written, so it always reads as done.
-    {0x0400, 4, Integer, [](const SystemModule&) { return Value(int64_t{0}); },
-     [](SystemModule& system, const Value&) { system.UpdateList(); }},
+    {0x030C, 4, Integer, [](const SystemModule&) { return Value(int64_t{conventionMajor}); }, nullptr},
+    {0x0310, 4, Integer, [](const SystemModule&) { return Value(int64_t{conventionMinor}); }, nullptr},
     {0x0410, 4, Integer, [](const SystemModule& s) { return Value(static_cast<int64_t>(s.Selector())); },
      [](SystemModule& system, const Value& value) { system.Select(std::get<int64_t>(value)); }},
     {0x0414, 4, Integer,
@@ -97,6 +99,7 @@ constexpr RegisterRow<SystemModule> registerRows[] = {
      nullptr},
     {0x060C, 4, Integer, [](const SystemModule& s) { return Value(IsGev(s) ? simulatedSubnetMask : 0); },
      nullptr},
+    {0x0610, 4, Integer, [](const SystemModule&) { return Value(int64_t{0}); }, nullptr},
 };
 
 /// Numbered as the enumeration EventSelector numbers them.
@@ -110,6 +113,7 @@ SystemModule::SystemModule(std::shared_ptr<Inventory> inventory)
       m_port({systemId, systemModel, TLTypeMixedName, "TLSystem", version, "TLPort", false, true},
              m_registers, descriptions::system) {
     m_registers.Bind(*this, registerRows);
+    m_registers.Bind(*this, updateRows<SystemModule>);
     m_moduleEvents.BindTo(m_registers);
     m_registers.AddMemory(descriptionAddress, descriptions::system.data, descriptions::system.size);
     for (size_t i = 0; i < m_inventory->Count(); ++i)

@@ -5,6 +5,7 @@
 #include "producer/gentl/ListState.h"
 #include "producer/gentl/ModuleEvents.h"
 #include "producer/gentl/OpenChildren.h"
+#include "producer/gentl/UpdateTimes.h"
 
 #include <atomic>
 #include <memory>
@@ -23,7 +24,13 @@ public:
 
     static void AnswerInfo(GenTL::TL_INFO_CMD command, const InfoTarget& target);
 
-    bool UpdateList() { return m_list.Update(m_inventory->PresentInterfaces()); }
+    /// GC_ERR_TIMEOUT, and the old list, when the search takes longer.
+    bool UpdateList(uint64_t timeoutMs) {
+        m_times.Search(timeoutMs);
+        return m_list.Update(m_inventory->PresentInterfaces());
+    }
+    [[nodiscard]] UpdateTimes& Times() noexcept { return m_times; }
+    [[nodiscard]] const UpdateTimes& Times() const noexcept { return m_times; }
     [[nodiscard]] size_t ListedCount() const { return m_list.Count(); }
     /// The interface at an index of the list; GC_ERR_INVALID_INDEX beyond it.
     [[nodiscard]] const BusModel& Listed(uint32_t index) const;
@@ -44,6 +51,7 @@ private:
 
     std::shared_ptr<Inventory> m_inventory;
     ListState m_list;
+    UpdateTimes m_times;
     std::atomic<size_t> m_selector{0};
     OpenChildren<InterfaceModule> m_interfaces;
     ModuleEvents m_moduleEvents;

@@ -270,8 +270,14 @@ void Camera::StopAcquisition() {
 void Camera::Send(const CameraEvent& event) {
     {
         std::lock_guard<std::mutex> guard(m_lock);
-        if ((m_settings.eventMask & MaskOf(event.kind)) == 0)
+        const EventMask bit = MaskOf(event.kind);
+        if ((m_settings.eventMask & bit) == 0)
             return;
+        if ((m_settings.eventsOnce & bit) != 0) {
+            m_settings.eventMask &= ~bit;
+            m_settings.eventsOnce &= ~bit;
+            ++m_revision;
+        }
     }
     Tell([&](CameraListener& listener) { listener.OnCameraEvent(event); });
 }
@@ -343,13 +349,17 @@ void Camera::LoseInterfaceLater() {
         m_agenda.After(delay, Agenda::Job::LoseInterface, lose);
 }
 
-void Camera::PassPort(uint64_t address, size_t size, bool write) const {
+void Camera::PassPort(uint64_t address, size_t size, Access access,
+                      std::chrono::microseconds patience) const {
     const bool simulation = address >= firstFaultlessAddress && address < endOfFaultlessAddresses;
     if (!m_portFaults || simulation)
         return;
     const PortFaults faults = Settings().portFaults;
-    std::this_thread::sleep_for(std::chrono::milliseconds(faults.delayMs));
-    const int64_t broken = write ? faults.writeErrorAddress : faults.readErrorAddress;
+    const std::chrono::microseconds delay = std::chrono::milliseconds(faults.delayMs);
+    std::this_thread::sleep_for(std::min(delay, patience));
+    if (delay > patience)
+        throw Failure(GenTL::GC_ERR_IO, "the camera has not answered in time");
+    const int64_t broken = access == Access::Write ? faults.writeErrorAddress : faults.readErrorAddress;
     if (broken >= 0 && static_cast<uint64_t>(broken) - address < size)
         throw Failure(static_cast<GenTL::GC_ERROR>(faults.errorCode),
                       "a failure of the port that is simulated");

@@ -162,8 +162,9 @@ public:
     [[nodiscard]] bool Away() const noexcept { return m_absence.Away(); }
 
     /// Throws what the settings of the simulation want an access to the registers to end with, after the time
-    /// that they want it to take.
-    void PassPort(uint64_t address, size_t size, bool write) const;
+    /// that they want it to take; GC_ERR_IO after the patience of who waits for it.
+    enum class Access { Read, Write };
+    void PassPort(uint64_t address, size_t size, Access access, std::chrono::microseconds patience) const;
 
 private:
     void RequireUnlocked() const;

@@ -29,6 +29,9 @@ constexpr EventMask MaskOf(EventKind kind) {
     return EventMask{1} << static_cast<uint32_t>(kind);
 }
 
+/// Numbered as the enumeration EventNotification numbers them. Once: Off again after the next event.
+enum class Notification : int64_t { Off, On, Once };
+
 /// One event as it happened.
 struct CameraEvent {
     EventKind kind;

@@ -81,7 +81,8 @@ struct CameraSettings {
     ChunkMask chunkMask = MaskOf(Chunk::Image);
 
     int64_t eventSelector = 0;
-    EventMask eventMask = 0;
+    EventMask eventMask = 0; ///< those that are sent, once or always
+    EventMask eventsOnce = 0;
 
     FrameFaults frameFaults;
     PortFaults portFaults;

@@ -28,9 +28,21 @@ void SetChunkEnable(Camera& camera, const RegisterValue& value) {
     });
 }
 
+RegisterValue GetNotification(const Camera& camera) {
+    const CameraSettings settings = camera.Settings();
+    const auto has = [&](EventMask mask) { return ((mask >> settings.eventSelector) & 1) != 0; };
+    Notification notification = has(settings.eventMask) ? Notification::On : Notification::Off;
+    if (has(settings.eventsOnce))
+        notification = Notification::Once;
+    return Value(static_cast<int64_t>(notification));
+}
+
 void SetNotification(Camera& camera, const RegisterValue& value) {
+    CheckRange("EventNotification", Whole(value), 0, static_cast<int64_t>(Notification::Once));
+    const auto notification = static_cast<Notification>(Whole(value));
     camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) {
-        SetSelectedBit<&S::eventSelector, &S::eventMask>(settings, Whole(value));
+        SetSelectedBit<&S::eventSelector, &S::eventMask>(settings, notification != Notification::Off);
+        SetSelectedBit<&S::eventSelector, &S::eventsOnce>(settings, notification == Notification::Once);
     });
 }
 
@@ -49,7 +61,7 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x0808, 4, Integer, GetSelectedBit<&S::chunkSelector, &S::chunkMask>, SetChunkEnable},
 
     {0x0840, 4, Integer, Get<&S::eventSelector>, SetWhole<&S::eventSelector, 0, lastEvent>},
-    {0x0844, 4, Integer, GetSelectedBit<&S::eventSelector, &S::eventMask>, SetNotification},
+    {0x0844, 4, Integer, GetNotification, SetNotification},
     {0x0848, 4, Integer, nullptr, Command<GenerateTestEvent>},
 };
 

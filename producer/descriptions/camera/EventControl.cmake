@@ -3,7 +3,8 @@ zq_category(EventControl "What the camera reports by itself.")
 zq_enumeration(EventSelector 0x0840 RW "The event that EventNotification is about." SELECTS EventNotification
     ENTRIES ExposureEnd=0 FrameStart=1 FrameEnd=2 Test=3 Error=4 Line0RisingEdge=5 Line0FallingEdge=6 Counter0End=7
     Timer0End=8 Counter1End=9 Timer1End=10)
-zq_enumeration(EventNotification 0x0844 RW "Whether this event is sent." NOCACHE ENTRIES Off=0 On=1)
+zq_enumeration(EventNotification 0x0844 RW "Whether this event is sent; Once is Off after the next one."
+    NOCACHE ENTRIES Off=0 On=1 Once=2)
 zq_command(TestEventGenerate 0x0848 "Sends the event Test.")
 
 if(CAMERA_TECHNOLOGY STREQUAL "GEV")

@@ -47,10 +47,58 @@ void SeeKey(Rig& rig, const Written& v, const char* key) {
     EXPECT_EQ(rig.Nothing(), Any && v.whole == 0);
 }
 
-/// So many events of one kind, or none when they are off.
-void ExpectEvents(Rig& rig, const Written& v, const char* id, int64_t count) {
-    for (int64_t i = 0; i < count; ++i)
-        EXPECT_EQ(rig.NextEvent(v.whole != 0 ? 5000 : 10), v.whole != 0 ? id : "");
+/// So many events of one kind, or none when they are off, or the first alone.
+void ExpectEvents(Rig& rig, Module module, const std::string& notification, const char* id, int64_t count) {
+    for (int64_t i = 0; i < count; ++i) {
+        const bool comes = notification == "On" || (notification == "Once" && i == 0);
+        EXPECT_EQ(rig.NextEvent(comes ? 5000 : 10), comes ? id : "");
+    }
+    EXPECT_EQ(rig.Text(module, "EventNotification"), notification == "On" ? "On" : "Off");
+}
+
+constexpr int64_t searchMs = 20;
+
+/// The list of three is updated by its command if that waits long enough.
+void SeeUpdateTimeout(Rig& rig, const Written& v, Module module, const char* command, const char* selector) {
+    rig.Set(module, "SimulationUpdateTime", searchMs);
+    if (v.whole < searchMs) {
+        EXPECT_ANY_THROW(rig.Do(module, command));
+    } else {
+        rig.Do(module, command);
+    }
+    EXPECT_EQ(rig.As<GenApi::IInteger>(module, selector).GetMax(), v.whole < searchMs ? 0 : 2);
+}
+
+/// What GevDeviceForceIP gives the second camera, which is not open.
+void ForceSecond(Rig& rig) {
+    UpdateBoth(rig);
+    rig.Set(Module::Interface, "DeviceSelector", 2);
+    rig.Set(Module::Interface, "GevDeviceForceIPAddress", 0x0A000001);
+}
+
+template <int64_t InsteadOf0>
+void SeeForced(Rig& rig, const Written& v, const char* shown) {
+    rig.Do(Module::Interface, "GevDeviceForceIP");
+    EXPECT_EQ(rig.Get(Module::Interface, shown), v.whole == 0 ? InsteadOf0 : v.whole);
+}
+
+void SeeDestination(Rig& rig, const Written& v) {
+    rig.Do(Module::Interface, "ActionCommand");
+    EXPECT_EQ(rig.Nothing(v.whole == 0xFFFFFFFF ? 5000 : 20), v.whole != 0xFFFFFFFF);
+    rig.Set(Module::Interface, "GevActionDestinationIPAddress",
+            rig.Get(Module::Device, "GevDeviceIPAddress"));
+    rig.Do(Module::Interface, "ActionCommand");
+    EXPECT_TRUE(rig.Next());
+}
+
+/// Whether the camera answers within so much time, and so many tries.
+bool Answers(Rig& rig, int64_t delayMs, double timeoutUs, int64_t retries) {
+    rig.As<GenApi::IFloat>(Module::Device, "LinkCommandTimeout").SetValue(timeoutUs);
+    rig.Set(Module::Device, "LinkCommandRetryCount", retries);
+    rig.Set("SimulationPortDelay", delayMs);
+    uint32_t width = 0;
+    size_t size = sizeof width;
+    return rig.gentl.GCReadPort(rig.remote, 0x410, &width, &size) == GC_ERR_SUCCESS;
 }
 
 /// Every second frame is too large for its buffer.
@@ -105,6 +153,41 @@ Rows ModuleRows() {
          [](Rig& rig, const Written& v) {
              EXPECT_EQ(rig.Text(Module::Interface, "DeviceID"), IdAt(rig, true, v.whole));
          }},
+        {Module::System, "InterfaceUpdateTimeout", Seen::Register, "how long the update waits", Nothing,
+         [](Rig& rig, const Written& v) {
+             SeeUpdateTimeout(rig, v, Module::System, "InterfaceUpdateList", "InterfaceSelector");
+         }},
+        {Module::Interface, "DeviceUpdateTimeout", Seen::Register, "how long the update waits", Nothing,
+         [](Rig& rig, const Written& v) {
+             SeeUpdateTimeout(rig, v, Module::Interface, "DeviceUpdateList", "DeviceSelector");
+         }},
+        {Module::System, "SimulationUpdateTime", Seen::Register, "how long the update takes", Nothing,
+         [](Rig& rig, const Written& v) {
+             EXPECT_EQ(rig.gentl.TLUpdateInterfaceList(rig.system, nullptr, 5),
+                       v.whole > 5 ? GC_ERR_TIMEOUT : GC_ERR_SUCCESS);
+         }},
+        {Module::Interface, "SimulationUpdateTime", Seen::Register, "how long the update takes", Nothing,
+         [](Rig& rig, const Written& v) {
+             EXPECT_EQ(rig.gentl.IFUpdateDeviceList(rig.interface, nullptr, 5),
+                       v.whole > 5 ? GC_ERR_TIMEOUT : GC_ERR_SUCCESS);
+         }},
+        {Module::Interface, "GevDeviceForceIPAddress", Seen::Register, "the address after GevDeviceForceIP",
+         ForceSecond,
+         [](Rig& rig, const Written& v) { SeeForced<0xC6120004>(rig, v, "GevDeviceIPAddress"); }},
+        {Module::Interface, "GevDeviceForceSubnetMask", Seen::Register, "the mask after GevDeviceForceIP",
+         ForceSecond, [](Rig& rig, const Written& v) { SeeForced<0>(rig, v, "GevDeviceSubnetMask"); }},
+        {Module::Interface, "GevDeviceForceGateway", Seen::Register, "the gateway after GevDeviceForceIP",
+         ForceSecond, [](Rig& rig, const Written& v) { SeeForced<0>(rig, v, "GevDeviceGateway"); }},
+        {Module::Interface, "GevDeviceForceIP", Seen::Register, "the address is another", ForceSecond,
+         [](Rig& rig, const Written&) {
+             EXPECT_EQ(rig.Get(Module::Interface, "GevDeviceIPAddress"), 0x0A000001);
+         }},
+        {Module::Interface, "GevActionDestinationIPAddress", Seen::Frames, "which cameras are triggered",
+         AwaitAction, SeeDestination},
+        {Module::Device, "LinkCommandTimeout", Seen::Port, "how long an answer is waited for", Nothing,
+         [](Rig& rig, const Written& v) { EXPECT_EQ(Answers(rig, 20, v.real, 0), v.real >= 20e3); }},
+        {Module::Device, "LinkCommandRetryCount", Seen::Port, "how often an access is tried again", Nothing,
+         [](Rig& rig, const Written& v) { EXPECT_EQ(Answers(rig, 15, 10e3, v.whole), v.whole > 0); }},
         {Module::Interface, "GevInterfaceGatewaySelector", Seen::Own, "there is one gateway", Nothing,
          nullptr},
         {Module::Interface, "GevInterfaceSubnetSelector", Seen::Own, "there is one subnet", Nothing, nullptr},
@@ -147,7 +230,7 @@ Rows ModuleRows() {
          [](Rig& rig, const Written& v) {
              rig.Set("SimulationReturnTime", 1);
              rig.Do("SimulationInterfaceLost");
-             ExpectEvents(rig, v, "9020", 2); // gone, and back
+             ExpectEvents(rig, Module::System, v.text, "9020", 2); // gone, and back
          }},
         {Module::Interface, "EventSelector", Seen::Event, "the event that is switched",
          [](Rig& rig) { rig.Listen(Module::Interface, EVENT_MODULE); },
@@ -155,7 +238,8 @@ Rows ModuleRows() {
              rig.Set(Module::Interface, "EventNotification", "On");
              rig.Set("SimulationReturnTime", 1);
              rig.Do(v.text == "InterfaceLost" ? "SimulationInterfaceLost" : "SimulationDeviceLost");
-             ExpectEvents(rig, {1, 0, ""}, v.text == "InterfaceLost" ? "9010" : "9011", v.whole + 1);
+             ExpectEvents(rig, Module::Interface, "On", v.text == "InterfaceLost" ? "9010" : "9011",
+                          v.whole + 1);
          }},
         {Module::Interface, "EventNotification", Seen::Event, "the event comes",
          [](Rig& rig) {
@@ -165,7 +249,7 @@ Rows ModuleRows() {
          [](Rig& rig, const Written& v) {
              rig.Set("SimulationReturnTime", 1);
              rig.Do("SimulationDeviceLost");
-             ExpectEvents(rig, v, "9011", 2);
+             ExpectEvents(rig, Module::Interface, v.text, "9011", 2);
              if (v.whole != 0) {
                  EXPECT_GT(rig.Get(Module::Interface, "EventDeviceListChangedTimestamp"), 0);
              }
@@ -175,17 +259,17 @@ Rows ModuleRows() {
              rig.Set(Module::Stream, "EventNotification", "On");
              static_cast<void>(rig.Grab(3));
              // Nothing is given up as long as buffers are queued.
-             const char* const ids[] = {"9030", "9031", ""};
-             EXPECT_EQ(rig.NextEvent(0), ids[v.whole]);
+             const char* const ids[] = {"9030", "9031", "", "9033"};
+             EXPECT_EQ(rig.NextEvent(v.text == "NewBufferData" ? 5000 : 0), ids[v.whole]);
              if (v.text == "BuffersDiscarded")
                  SeeDiscarded(rig);
          }},
         {Module::Stream, "EventNotification", Seen::Event, "the event comes", PrepareTransfers,
          [](Rig& rig, const Written& v) {
-             static_cast<void>(rig.Grab(1));
-             EXPECT_EQ(rig.NextEvent(0), v.whole != 0 ? "9030" : "");
+             static_cast<void>(rig.Grab(2));
+             ExpectEvents(rig, Module::Stream, v.text, "9030", 2);
              if (v.whole != 0) {
-                 EXPECT_EQ(rig.Get(Module::Stream, "EventTransferEndFrameID"), 0);
+                 EXPECT_EQ(rig.Get(Module::Stream, "EventTransferEndFrameID"), v.text == "On" ? 1 : 0);
              }
          }},
         {Module::Device, "EventSelector", Seen::Own, "there is one event", Nothing, nullptr},
@@ -193,7 +277,7 @@ Rows ModuleRows() {
          [](Rig& rig) { rig.Listen(Module::Device, EVENT_MODULE); },
          [](Rig& rig, const Written& v) {
              rig.Do("SimulationDeviceLost");
-             EXPECT_EQ(rig.NextEvent(v.whole != 0 ? 5000 : 0), v.whole != 0 ? "9001" : "");
+             ExpectEvents(rig, Module::Device, v.text, "9001", 1);
              if (v.whole != 0) {
                  EXPECT_GT(rig.Get(Module::Device, "EventDeviceLostTimestamp"), 0);
              }

@@ -64,6 +64,9 @@ Rows StreamingRows() {
          [](Rig& rig, const Written& v) {
              rig.Do("TestEventGenerate");
              EXPECT_EQ(rig.NextEvent(0), v.whole != 0 ? "4FFF" : "");
+             rig.Do("TestEventGenerate");
+             EXPECT_EQ(rig.NextEvent(0), v.text == "On" ? "4FFF" : "");
+             EXPECT_EQ(rig.Text("EventNotification"), v.text == "On" ? "On" : "Off");
          }},
         {Module::Camera, "TestEventGenerate", Seen::Event, "the event comes",
          [](Rig& rig) {

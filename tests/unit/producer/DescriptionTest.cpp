@@ -15,7 +15,11 @@ const std::vector<const char*> systemFeatures = {"TLID",
                                                  "InterfaceID",
                                                  "GevInterfaceMACAddress",
                                                  "GevInterfaceDefaultIPAddress",
-                                                 "GevInterfaceDefaultSubnetMask"};
+                                                 "GevInterfaceDefaultSubnetMask",
+                                                 "GevInterfaceDefaultGateway",
+                                                 "InterfaceUpdateTimeout",
+                                                 "GenTLSFNCVersionMajor",
+                                                 "GenTLSFNCVersionMinor"};
 const std::vector<const char*> interfaceFeatures = {"InterfaceID",
                                                     "InterfaceType",
                                                     "DeviceUpdateList",
@@ -27,12 +31,23 @@ const std::vector<const char*> interfaceFeatures = {"InterfaceID",
                                                     "InterfaceTLVersionMajor",
                                                     "InterfaceTLVersionMinor",
                                                     "DeviceTLVersionMajor",
-                                                    "DeviceTLVersionMinor"};
+                                                    "DeviceTLVersionMinor",
+                                                    "DeviceUpdateTimeout",
+                                                    "DeviceUserID",
+                                                    "DeviceDisplayName"};
 const std::vector<const char*> deviceFeatures = {
-    "DeviceID", "DeviceVendorName",   "DeviceModelName", "DeviceType",        "StreamSelector",
-    "StreamID", "DeviceAccessStatus", "EventSelector",   "EventNotification", "EventDeviceLost"};
-const std::vector<const char*> streamFeatures = {"StreamID", "StreamType", "StreamAnnouncedBufferCount",
-                                                 "StreamBufferHandlingMode", "StreamAnnounceBufferMinimum"};
+    "DeviceID",           "DeviceVendorName",     "DeviceModelName",
+    "DeviceType",         "StreamSelector",       "StreamID",
+    "DeviceAccessStatus", "EventSelector",        "EventNotification",
+    "EventDeviceLost",    "DeviceFamilyName",     "DeviceManufacturerInfo",
+    "LinkCommandTimeout", "LinkCommandRetryCount"};
+const std::vector<const char*> streamFeatures = {"StreamID",
+                                                 "StreamType",
+                                                 "StreamAnnouncedBufferCount",
+                                                 "StreamBufferHandlingMode",
+                                                 "StreamAnnounceBufferMinimum",
+                                                 "EventNewBufferData",
+                                                 "EventNewBufferDataFrameID"};
 const std::vector<const char*> cameraFeatures = {"DeviceVendorName",
                                                  "DeviceModelName",
                                                  "DeviceSerialNumber",
@@ -82,10 +97,12 @@ TEST_F(Descriptions, OfGigEVisionModulesHaveTheirOwnFeatures) {
     ExpectModule(interface, "TLInterface", "InterfacePort",
                  {"GevInterfaceGatewaySelector", "GevInterfaceGateway", "GevInterfaceMACAddress",
                   "GevInterfaceSubnetSelector", "GevInterfaceSubnetIPAddress", "GevInterfaceSubnetMask",
-                  "GevDeviceIPAddress", "GevDeviceSubnetMask", "GevDeviceMACAddress", "ActionCommand"});
+                  "GevDeviceIPAddress", "GevDeviceSubnetMask", "GevDeviceMACAddress", "GevDeviceGateway",
+                  "GevDeviceForceIP", "GevDeviceForceIPAddress", "GevDeviceForceSubnetMask",
+                  "GevDeviceForceGateway", "GevActionDestinationIPAddress", "ActionCommand"});
     ExpectModule(device, "TLDevice", "DevicePort",
                  {"GevDeviceMACAddress", "GevDeviceIPAddress", "GevDeviceSubnetMask", "GevDeviceGateway",
-                  "DeviceEndianessMechanism"});
+                  "DeviceStreamChannelPacketSize", "DeviceEndianessMechanism"});
 }
 
 TEST_F(Descriptions, CameraOfGigEVisionIsZippedAndBigEndian) {

@@ -164,8 +164,27 @@ TEST_F(RemoteEvents, NotificationBelongsToTheSelectedEvent) {
     EXPECT_EQ(ReadInt(camera::EventNotification), 1U);
     ASSERT_EQ(WriteInt(camera::EventSelector, selector::FrameStart), GC_ERR_SUCCESS);
     EXPECT_EQ(ReadInt(camera::EventNotification), 0U);
-    EXPECT_EQ(WriteInt(camera::EventNotification, 2), GC_ERR_INVALID_VALUE);
+    EXPECT_EQ(WriteInt(camera::EventNotification, 3), GC_ERR_INVALID_VALUE);
     EXPECT_EQ(WriteInt(camera::EventSelector, 99), GC_ERR_INVALID_VALUE);
+}
+
+TEST_F(RemoteEvents, ComeOnceWhenTheyAreWantedOnce) {
+    OpenWith(gevInterface);
+    ASSERT_EQ(WriteInt(camera::EventSelector, selector::FrameEnd), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::EventNotification, 2), GC_ERR_SUCCESS);
+    EXPECT_EQ(ReadInt(camera::EventNotification), 2U);
+    Queue(Announce(3, 64));
+    Start(3);
+    for (int i = 0; i < 3; ++i)
+        ASSERT_NE(Next(), nullptr);
+    const Item item = Parse(Receive());
+    EXPECT_EQ(item.id, "9C42");
+    EXPECT_EQ(Number(item.value, 6, 2, true), 0U); // the first frame
+    EXPECT_EQ(Receive(0), "");
+    EXPECT_EQ(ReadInt(camera::EventNotification), 0U);
+    ASSERT_EQ(WriteInt(camera::EventNotification, 2), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::EventNotification, 1), GC_ERR_SUCCESS);
+    EXPECT_EQ(ReadInt(camera::EventNotification), 1U);
 }
 
 TEST_F(RemoteEvents, OtherBytesAreNoEvent) {
