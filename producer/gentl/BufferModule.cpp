@@ -25,15 +25,29 @@ InfoValue OfFrame(const View& view) {
     return InfoValue(view.frame.*Member);
 }
 
+void RequireImage(const FrameInfo& frame) {
+    if (frame.present && !frame.imagePresent)
+        throw Failure(GenTL::GC_ERR_NO_DATA, "there is no image in the buffer");
+}
+
+void RequireOnePart(const FrameInfo& frame) {
+    if (frame.parts.count > 0)
+        throw Failure(GenTL::GC_ERR_NO_DATA, "the parts of the frame have this, not the buffer");
+}
+
 /// A value of the image; a frame may have chunks only.
 template <auto Member>
 InfoValue OfImage(const View& view) {
     const InfoValue value = OfFrame<Member>(view);
-    if (!view.frame.imagePresent)
-        throw Failure(GenTL::GC_ERR_NO_DATA, "there is no image in the buffer");
-    if (view.frame.parts.count > 0)
-        throw Failure(GenTL::GC_ERR_NO_DATA, "the parts of the frame have this, not the buffer");
+    RequireImage(view.frame);
+    RequireOnePart(view.frame);
     return value;
+}
+
+/// What is 0 for every image.
+InfoValue ZeroOfImage(const View& view) {
+    RequireImage(view.frame);
+    return InfoValue(uint64_t{0});
 }
 
 void RequireChunks(const FrameInfo& frame) {
@@ -47,12 +61,14 @@ InfoValue OfChunks(const View& view) {
     return InfoValue(view.frame.*Member);
 }
 
-int32_t PayloadTypeOf(const FrameInfo& frame) {
+int32_t PayloadTypeOf(const FrameInfo& frame, const CameraModel& model) {
     if (!frame.present)
         return GenTL::PAYLOAD_TYPE_UNKNOWN;
     if (frame.parts.count > 0)
         return GenTL::PAYLOAD_TYPE_MULTI_PART;
-    return frame.imagePresent ? GenTL::PAYLOAD_TYPE_IMAGE : GenTL::PAYLOAD_TYPE_CHUNK_ONLY;
+    if (!frame.imagePresent)
+        return GenTL::PAYLOAD_TYPE_CHUNK_ONLY;
+    return frame.hasChunks && model.oldChunks ? GenTL::PAYLOAD_TYPE_CHUNK_DATA : GenTL::PAYLOAD_TYPE_IMAGE;
 }
 
 constexpr InfoRow<View> rows[] = {
@@ -75,12 +91,17 @@ constexpr InfoRow<View> rows[] = {
     {GenTL::BUFFER_INFO_HEIGHT, Size, OfImage<&FrameInfo::height>},
     {GenTL::BUFFER_INFO_XOFFSET, Size, OfImage<&FrameInfo::offsetX>},
     {GenTL::BUFFER_INFO_YOFFSET, Size, OfImage<&FrameInfo::offsetY>},
-    {GenTL::BUFFER_INFO_XPADDING, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
-    {GenTL::BUFFER_INFO_YPADDING, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
+    {GenTL::BUFFER_INFO_XPADDING, Size,
+     [](const View& v) {
+         RequireOnePart(v.frame);
+         return ZeroOfImage(v);
+     }},
+    {GenTL::BUFFER_INFO_YPADDING, Size, ZeroOfImage},
     {GenTL::BUFFER_INFO_FRAMEID, Uint64, OfFrame<&FrameInfo::frameId>},
     {GenTL::BUFFER_INFO_IMAGEPRESENT, Flag, [](const View& v) { return InfoValue(v.frame.imagePresent); }},
-    {GenTL::BUFFER_INFO_IMAGEOFFSET, Size, [](const View&) { return InfoValue(uint64_t{0}); }},
-    {GenTL::BUFFER_INFO_PAYLOADTYPE, Size, [](const View& v) { return InfoValue(PayloadTypeOf(v.frame)); }},
+    {GenTL::BUFFER_INFO_IMAGEOFFSET, Size, ZeroOfImage},
+    {GenTL::BUFFER_INFO_PAYLOADTYPE, Size,
+     [](const View& v) { return InfoValue(PayloadTypeOf(v.frame, v.buffer.Model())); }},
     {GenTL::BUFFER_INFO_PIXELFORMAT, Uint64, OfImage<&FrameInfo::pixelFormat>},
     {GenTL::BUFFER_INFO_PIXELFORMAT_NAMESPACE, Uint64, OfImage<&FrameInfo::pixelFormatNamespace>},
     {GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT, Size, OfImage<&FrameInfo::deliveredHeight>},
@@ -127,7 +148,7 @@ std::string BufferModule::Id() const {
 }
 
 int32_t BufferModule::PayloadType() const {
-    return PayloadTypeOf(Frame());
+    return PayloadTypeOf(Frame(), m_model);
 }
 
 const Port& BufferModule::ModulePort() const {

@@ -90,6 +90,8 @@ GC_API DSAllocAndAnnounceBuffer(DS_HANDLE stream, size_t size, void* userPointer
 GC_API DSRevokeBuffer(DS_HANDLE stream, BUFFER_HANDLE buffer, void** memory, void** userPointer) {
     return Guard("DSRevokeBuffer", [&] {
         const auto module = Get<StreamModule>(stream);
+        CheckOptional(memory, "the memory");
+        CheckOptional(userPointer, "the user pointer");
         module->Revoke(*Get<BufferModule>(buffer), memory, userPointer);
     });
 }

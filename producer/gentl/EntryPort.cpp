@@ -103,7 +103,14 @@ GC_API GCUnregisterEvent(EVENTSRC_HANDLE source, EVENT_TYPE type) {
 }
 
 GC_API EventGetData(EVENT_HANDLE event, void* buffer, size_t* size, uint64_t timeoutMs) {
-    return Guard("EventGetData", [&] { Get<Event>(event)->GetData(buffer, size, timeoutMs); });
+    return Guard("EventGetData", [&] {
+        const auto found = Get<Event>(event);
+        if (buffer != nullptr) {
+            Required(static_cast<uint8_t*>(buffer), "the buffer");
+            Required(size, "the size");
+        }
+        found->GetData(buffer, size, timeoutMs);
+    });
 }
 
 GC_API EventGetDataInfo(EVENT_HANDLE event, const void* data, size_t dataSize, EVENT_DATA_INFO_CMD command,

@@ -51,7 +51,9 @@ GC_API TLGetInfo(TL_HANDLE system, TL_INFO_CMD command, INFO_DATATYPE* type, voi
 
 GC_API TLUpdateInterfaceList(TL_HANDLE system, bool8_t* changed, uint64_t timeoutMs) {
     return Guard("TLUpdateInterfaceList", [&] {
-        const bool isChanged = Get<SystemModule>(system)->UpdateList(timeoutMs);
+        const auto module = Get<SystemModule>(system);
+        CheckOptional(changed, "the answer");
+        const bool isChanged = module->UpdateList(timeoutMs);
         if (changed != nullptr)
             *changed = isChanged;
     });
@@ -105,7 +107,9 @@ GC_API IFGetParentTL(IF_HANDLE interface, TL_HANDLE* system) {
 
 GC_API IFUpdateDeviceList(IF_HANDLE interface, bool8_t* changed, uint64_t timeoutMs) {
     return Guard("IFUpdateDeviceList", [&] {
-        const bool isChanged = Get<InterfaceModule>(interface)->UpdateList(timeoutMs);
+        const auto module = Get<InterfaceModule>(interface);
+        CheckOptional(changed, "the answer");
+        const bool isChanged = module->UpdateList(timeoutMs);
         if (changed != nullptr)
             *changed = isChanged;
     });

@@ -38,7 +38,15 @@ constexpr Row errorRows[] = {
      [](const EventData& e) { return InfoValue(e.number); }},
 };
 
-constexpr Row featureRows[] = {
+constexpr Row invalidateRows[] = {
+    {GenTL::EVENT_DATA_ID, GenTL::INFO_DATATYPE_STRING, [](const EventData& e) { return InfoValue(e.id); }},
+    {GenTL::EVENT_DATA_VALUE, GenTL::INFO_DATATYPE_STRING,
+     [](const EventData&) -> InfoValue { NotAvailable("an invalidation comes without a value"); }},
+    {GenTL::EVENT_DATA_NUMID, GenTL::INFO_DATATYPE_UINT64,
+     [](const EventData&) -> InfoValue { NotAvailable("feature events have no number"); }},
+};
+
+constexpr Row changeRows[] = {
     {GenTL::EVENT_DATA_ID, GenTL::INFO_DATATYPE_STRING, [](const EventData& e) { return InfoValue(e.id); }},
     {GenTL::EVENT_DATA_VALUE, GenTL::INFO_DATATYPE_STRING,
      [](const EventData& e) { return InfoValue(e.value); }},
@@ -106,8 +114,9 @@ void EventData::Answer(GenTL::EVENT_DATA_INFO_CMD command, const InfoTarget& tar
     case GenTL::EVENT_ERROR:
         return AnswerInfo(errorRows, *this, command, target);
     case GenTL::EVENT_FEATURE_INVALIDATE:
+        return AnswerInfo(invalidateRows, *this, command, target);
     case GenTL::EVENT_FEATURE_CHANGE:
-        return AnswerInfo(featureRows, *this, command, target);
+        return AnswerInfo(changeRows, *this, command, target);
     default:
         return AnswerInfo(itemRows, *this, command, target);
     }

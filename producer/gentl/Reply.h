@@ -23,6 +23,13 @@ T& Required(T* pointer, const char* name) {
     return *pointer;
 }
 
+/// The same for an argument that may be null, which means that nobody wants the answer.
+template <class T>
+void CheckOptional(T* pointer, const char* name) {
+    if (pointer != nullptr)
+        static_cast<void>(Required(pointer, name));
+}
+
 /// Writes an answer of `size` bytes: without a buffer only the size that it needs, and into a buffer that is
 /// too small nothing at all.
 void ReplyBytes(const void* answer, size_t size, void* buffer, size_t* bufferSize);

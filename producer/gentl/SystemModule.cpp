@@ -1,6 +1,8 @@
 #include "producer/gentl/SystemModule.h"
 
 #include <dlfcn.h>
+#include <filesystem>
+#include <system_error>
 
 namespace zqgentl {
 
@@ -16,11 +18,25 @@ constexpr int32_t genTLMinor = 5;
 constexpr int32_t conventionMajor = 1;
 constexpr int32_t conventionMinor = 2;
 
-std::string PathName() {
+std::string PathName();
+
+/// As the file was loaded from here, whatever the folder of the process is later.
+std::string PathAtLoading() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&PathName), &info) == 0 || info.dli_fname == nullptr)
+        return "";
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(info.dli_fname, error);
+    return error ? info.dli_fname : path.lexically_normal().string();
+}
+
+// Never destroyed: a thread may ask while the process ends.
+const std::string& pathAtLoading = *new std::string(PathAtLoading());
+
+std::string PathName() {
+    if (pathAtLoading.empty())
         throw Failure(GenTL::GC_ERR_NOT_AVAILABLE, "the path of the library is unknown");
-    return info.dli_fname;
+    return pathAtLoading;
 }
 
 std::string FileName() {

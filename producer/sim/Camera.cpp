@@ -161,8 +161,8 @@ void Camera::TakePlan(FrameTicket& ticket) const {
     PlanImage(ticket.plan);
     ticket.plan.chunks = ChunkLayout();
     if (m_settings.chunkModeActive != 0)
-        ticket.plan.chunks =
-            ChunkLayout(m_model.technology, m_settings.chunkMask, ticket.plan.imageSize, m_model.chunkOrder);
+        ticket.plan.chunks = ChunkLayout(m_model.technology, m_settings.chunkMask, ticket.plan.imageSize,
+                                         m_model.oldChunks ? ByteOrder::Big : ByteOrder::Little);
     ticket.plan.chunkLayoutId = ticket.plan.chunks.Id();
     ticket.plan.payloadSize =
         ticket.plan.chunks.Empty() ? ticket.plan.imageSize : ticket.plan.chunks.PayloadSize();

@@ -23,21 +23,21 @@ struct Product {
     uint32_t sensorWidth;
     uint32_t sensorHeight;
     bool nativePixelCodes;
-    ByteOrder chunkOrder;
+    bool oldChunks;
     const Description* description;
 };
 
 constexpr Product products[] = {
-    {Technology::Usb3Vision, false, "Sim-U3V-2M", ByteOrder::Little, 1920, 1080, false, ByteOrder::Little,
+    {Technology::Usb3Vision, false, "Sim-U3V-2M", ByteOrder::Little, 1920, 1080, false, false,
      &descriptions::camera_u3v},
-    {Technology::GigEVision, false, "Sim-GEV-5M", ByteOrder::Big, 2560, 2048, false, ByteOrder::Little,
+    {Technology::GigEVision, false, "Sim-GEV-5M", ByteOrder::Big, 2560, 2048, false, false,
      &descriptions::camera_gev},
     // Schema 1.0 knows big-endian registers only, those of the chunks among them.
-    {Technology::GigEVision, true, "Sim-GEV-3M", ByteOrder::Big, 2048, 1536, false, ByteOrder::Big,
+    {Technology::GigEVision, true, "Sim-GEV-3M", ByteOrder::Big, 2048, 1536, false, true,
      &descriptions::camera_gev_schema10},
-    {Technology::CoaXPress, false, "Sim-CXP-12M", ByteOrder::Big, 4096, 3072, false, ByteOrder::Little,
+    {Technology::CoaXPress, false, "Sim-CXP-12M", ByteOrder::Big, 4096, 3072, false, false,
      &descriptions::camera_cxp},
-    {Technology::CoaXPress, true, "Sim-CXP-25M", ByteOrder::Big, 5120, 5120, true, ByteOrder::Little,
+    {Technology::CoaXPress, true, "Sim-CXP-25M", ByteOrder::Big, 5120, 5120, true, false,
      &descriptions::camera_cxp_native},
 };
 
@@ -71,7 +71,7 @@ CameraModel CameraModelOf(const BusModel& bus, uint32_t number) {
     model.sensorWidth = product.sensorWidth;
     model.sensorHeight = product.sensorHeight;
     model.nativePixelCodes = product.nativePixelCodes;
-    model.chunkOrder = product.chunkOrder;
+    model.oldChunks = product.oldChunks;
     model.cameraDescription = product.description;
     return model;
 }

@@ -29,8 +29,8 @@ struct CameraModel : BusModel {
     ByteOrder byteOrder = ByteOrder::Little;
     uint32_t sensorWidth = 0;
     uint32_t sensorHeight = 0;
-    bool nativePixelCodes = false;            ///< buffers name pixel formats by the codes of CoaXPress
-    ByteOrder chunkOrder = ByteOrder::Little; ///< of the data, not of the tags
+    bool nativePixelCodes = false; ///< buffers name pixel formats by the codes of CoaXPress
+    bool oldChunks = false;        ///< with big-endian data, and a payload type for images that have some
     const Description* cameraDescription = nullptr;
 };
 

@@ -48,6 +48,8 @@ void CheckWaits(Context& context, const std::string& name, EVENT_HANDLE event) {
     };
     report.Success("EventFlush" + name, g.EventFlush(event));
     report.Result("EventGetData" + name + " poll", wait(0), {GC_ERR_TIMEOUT});
+    report.Result("EventGetData" + name + " no size", g.EventGetData(event, data, nullptr, 1000),
+                  {GC_ERR_INVALID_PARAMETER});
     const Clock::time_point before = Clock::now();
     report.Result("EventGetData" + name + " 20 ms", wait(20), {GC_ERR_TIMEOUT});
     report.Holds("EventGetData" + name + " 20 ms", Clock::now() - before >= std::chrono::milliseconds(20),

@@ -162,6 +162,10 @@ void CheckLibrary(Context& context) {
     const Functions& gentl = context.gentl;
     report.Result("GCInitLib again", gentl.GCInitLib(), {GC_ERR_RESOURCE_IN_USE});
     CheckInfos(context, "GCGetInfo", systemRows, LibraryInfo(context));
+    const std::string path = TextOf(LibraryInfo(context)(TL_INFO_PATHNAME));
+    const std::string name = TextOf(LibraryInfo(context)(TL_INFO_NAME));
+    report.Holds("GCGetInfo(PATHNAME)", !path.empty() && path[0] == '/', "a full path", path);
+    report.Equal("GCGetInfo(NAME)", name, path.substr(path.find_last_of('/') + 1));
     CheckLastError(context);
     report.Enter("initialised");
     report.Result("TLOpen(null)", gentl.TLOpen(nullptr), {GC_ERR_INVALID_PARAMETER});

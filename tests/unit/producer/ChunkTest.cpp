@@ -191,7 +191,9 @@ TEST_F(Chunks, WithoutTheImageArePayloadOfTheirOwn) {
     ASSERT_NE(buffer, nullptr);
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_PAYLOADTYPE), size_t{PAYLOAD_TYPE_CHUNK_ONLY});
     EXPECT_FALSE(BufferInfo<bool8_t>(buffer, BUFFER_INFO_IMAGEPRESENT));
-    EXPECT_EQ(BufferInfoResult(buffer, BUFFER_INFO_WIDTH), GC_ERR_NO_DATA);
+    for (const BUFFER_INFO_CMD ofImages :
+         {BUFFER_INFO_WIDTH, BUFFER_INFO_XPADDING, BUFFER_INFO_YPADDING, BUFFER_INFO_IMAGEOFFSET})
+        EXPECT_EQ(BufferInfoResult(buffer, ofImages), GC_ERR_NO_DATA) << ofImages;
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_SIZE_FILLED), 16U);
     EXPECT_EQ(List(buffer).size(), 1U);
 }

@@ -180,3 +180,13 @@ TEST_F(Events, WaitLastsAsLongAsItsTimeout) {
     EXPECT_EQ(Wait(newBuffer, 30), GC_ERR_TIMEOUT);
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(30));
 }
+
+TEST_F(Events, WaitForNothingWithWrongPointers) {
+    char data[64];
+    void* const bad = reinterpret_cast<void*>(~uintptr_t{0});
+    size_t size = sizeof data;
+    EXPECT_EQ(gentl.EventGetData(newBuffer, data, nullptr, GENTL_INFINITE), GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(gentl.EventGetData(newBuffer, bad, &size, GENTL_INFINITE), GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(gentl.EventGetData(newBuffer, data, static_cast<size_t*>(bad), GENTL_INFINITE),
+              GC_ERR_INVALID_PARAMETER);
+}

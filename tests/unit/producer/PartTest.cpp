@@ -57,8 +57,11 @@ TEST_F(Parts, FollowEachOther) {
     ASSERT_EQ(gentl.DSGetNumBufferParts(stream, buffer, &count), GC_ERR_SUCCESS);
     EXPECT_EQ(count, 2U);
     EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_PAYLOADTYPE), size_t{PAYLOAD_TYPE_MULTI_PART});
-    EXPECT_EQ(BufferInfoResult(buffer, BUFFER_INFO_WIDTH), GC_ERR_NO_DATA);
-    EXPECT_EQ(BufferInfoResult(buffer, BUFFER_INFO_PIXELFORMAT), GC_ERR_NO_DATA);
+    for (const BUFFER_INFO_CMD ofParts :
+         {BUFFER_INFO_WIDTH, BUFFER_INFO_HEIGHT, BUFFER_INFO_XOFFSET, BUFFER_INFO_YOFFSET,
+          BUFFER_INFO_XPADDING, BUFFER_INFO_PIXELFORMAT, BUFFER_INFO_PIXELFORMAT_NAMESPACE,
+          BUFFER_INFO_DELIVERED_IMAGEHEIGHT})
+        EXPECT_EQ(BufferInfoResult(buffer, ofParts), GC_ERR_NO_DATA) << ofParts;
     const auto base = BufferInfo<uint64_t>(buffer, BUFFER_INFO_BASE);
     EXPECT_EQ(Info(buffer, 0, BUFFER_PART_INFO_BASE, INFO_DATATYPE_PTR), base);
     EXPECT_EQ(Info(buffer, 1, BUFFER_PART_INFO_BASE, INFO_DATATYPE_PTR), base + 128);

@@ -205,7 +205,15 @@ TEST_F(RemoteEvents, AutomaticExposureTellsItsChanges) {
     Queue(Announce(1, 64));
     Start(1);
     ASSERT_NE(Next(), nullptr);
-    EXPECT_STREQ(Data(Receive(), EVENT_DATA_ID, INFO_DATATYPE_STRING).c_str(), "ExposureTime");
+    const std::string invalidated = Receive();
+    EXPECT_STREQ(Data(invalidated, EVENT_DATA_ID, INFO_DATATYPE_STRING).c_str(), "ExposureTime");
+    for (const EVENT_DATA_INFO_CMD none : {EVENT_DATA_VALUE, EVENT_DATA_NUMID}) {
+        size_t nothing = 0;
+        INFO_DATATYPE type = 0;
+        EXPECT_EQ(gentl.EventGetDataInfo(event, invalidated.data(), invalidated.size(), none, &type, nullptr,
+                                         &nothing),
+                  GC_ERR_NOT_AVAILABLE);
+    }
     event = changed;
     const std::string bytes = Receive();
     EXPECT_STREQ(Data(bytes, EVENT_DATA_ID, INFO_DATATYPE_STRING).c_str(), "ExposureTime");

@@ -153,7 +153,7 @@ TEST_F(Schema10, RefusesTheBinningThatItCannotName) {
     EXPECT_EQ(ReadInt(camera::WidthMax), 512U);
 }
 
-TEST_F(Schema10, DataOfTheChunksIsBigEndianToo) {
+TEST_F(Schema10, ChunksAreThoseOfOldCameras) {
     OpenStream();
     MakeSmallAndFast();
     constexpr uint32_t width = 5;
@@ -168,6 +168,8 @@ TEST_F(Schema10, DataOfTheChunksIsBigEndianToo) {
     size_t count = 2;
     ASSERT_EQ(gentl.DSGetBufferChunkData(stream, buffer, chunks, &count), GC_ERR_SUCCESS);
     ASSERT_EQ(count, 2U);
+    EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_PAYLOADTYPE), size_t{PAYLOAD_TYPE_CHUNK_DATA});
+    EXPECT_TRUE(BufferInfo<bool8_t>(buffer, BUFFER_INFO_CONTAINS_CHUNKDATA));
     EXPECT_EQ(chunks[1].ChunkID, 0x1005U);
     const uint8_t expected[] = {0, 0, 0, 8, 0, 0, 0x10, 0x05, 0, 0, 0, 4}; // data and tag
     const auto* base = BufferInfo<const uint8_t*>(buffer, BUFFER_INFO_BASE);

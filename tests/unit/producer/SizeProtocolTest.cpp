@@ -85,3 +85,26 @@ TEST_F(SizeProtocol, SystemInformationHasItsTypesAndValues) {
         EXPECT_STREQ(same, row.text);
     }
 }
+
+TEST_F(SizeProtocol, AnswersThatMayBeLeftOutMustNotBeBad) {
+    void* const bad = reinterpret_cast<void*>(~uintptr_t{0});
+    const TL_HANDLE system = OpenSystem();
+    EXPECT_EQ(gentl.TLUpdateInterfaceList(system, static_cast<bool8_t*>(bad), 0), GC_ERR_INVALID_PARAMETER);
+    uint32_t count = 99;
+    EXPECT_EQ(gentl.TLGetNumInterfaces(system, &count), GC_ERR_SUCCESS);
+    EXPECT_EQ(count, 0U);
+    const IF_HANDLE interface = OpenInterface(system, u3vInterface);
+    EXPECT_EQ(gentl.IFUpdateDeviceList(interface, static_cast<bool8_t*>(bad), 0), GC_ERR_INVALID_PARAMETER);
+    DEV_HANDLE device = nullptr;
+    ASSERT_EQ(gentl.IFOpenDevice(interface, "ZQ-U3V-0:SIM-U3V-0001", DEVICE_ACCESS_CONTROL, &device),
+              GC_ERR_SUCCESS);
+    DS_HANDLE stream = nullptr;
+    ASSERT_EQ(gentl.DevOpenDataStream(device, "Stream0", &stream), GC_ERR_SUCCESS);
+    BUFFER_HANDLE buffer = nullptr;
+    ASSERT_EQ(gentl.DSAllocAndAnnounceBuffer(stream, 64, nullptr, &buffer), GC_ERR_SUCCESS);
+    EXPECT_EQ(gentl.DSRevokeBuffer(stream, buffer, static_cast<void**>(bad), nullptr),
+              GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(gentl.DSRevokeBuffer(stream, buffer, nullptr, static_cast<void**>(bad)),
+              GC_ERR_INVALID_PARAMETER);
+    EXPECT_EQ(gentl.DSRevokeBuffer(stream, buffer, nullptr, nullptr), GC_ERR_SUCCESS);
+}
