@@ -19,7 +19,7 @@ struct PictureFile {
 /// Pictures that are larger than this on a side are refused.
 constexpr uint32_t pictureSideMax = 16384;
 
-/// Reads a picture from the bytes of a file: PNG (not interlaced), PGM and PPM (binary), TIFF (grey or RGB of
+/// Reads a picture from the bytes of a file: PNG, PGM and PPM (binary), TIFF (grey or RGB of
 /// 8 or 16 bits, in strips). Throws Failure, GC_ERR_INVALID_VALUE, for anything else.
 [[nodiscard]] PictureFile DecodePicture(const std::vector<uint8_t>& bytes);
 

@@ -23,7 +23,7 @@ struct Header {
     png_uint_32 width = 0;
     png_uint_32 height = 0;
     int colour = 0;
-    int interlace = 0;
+    int passes = 1; ///< over all lines, of an interlaced file
     png_colorp palette = nullptr;
     int colours = 0;
 };
@@ -54,8 +54,7 @@ bool ReadHeader(png_structp png, png_infop info, Source& source, Header& header)
     png_set_user_limits(png, pictureSideMax, pictureSideMax);
     png_read_info(png, info);
     int bits = 0;
-    png_get_IHDR(png, info, &header.width, &header.height, &bits, &header.colour, &header.interlace, nullptr,
-                 nullptr);
+    png_get_IHDR(png, info, &header.width, &header.height, &bits, &header.colour, nullptr, nullptr, nullptr);
     png_get_PLTE(png, info, &header.palette, &header.colours);
     if (header.colour == PNG_COLOR_TYPE_PALETTE) {
         png_set_packing(png); // indexes of a byte each, so that they can be checked
@@ -66,6 +65,7 @@ bool ReadHeader(png_structp png, png_infop info, Source& source, Header& header)
         png_set_strip_alpha(png);
         png_set_expand_16(png);
     }
+    header.passes = png_set_interlace_handling(png);
     png_read_update_info(png, info);
     return true;
 }
@@ -91,7 +91,8 @@ public:
 
     [[nodiscard]] const Header& About() const noexcept { return m_header; }
     [[nodiscard]] size_t LineSize() const { return png_get_rowbytes(m_png, m_info); }
-    void Next(std::vector<uint8_t>& line) { Require(ReadLine(m_png, line.data())); }
+    /// The next line; of a later pass, what it adds to the line that is there.
+    void Next(uint8_t* line) { Require(ReadLine(m_png, line)); }
 
 private:
     void Require(bool done) {
@@ -108,7 +109,7 @@ private:
     png_infop m_info = nullptr;
 };
 
-uint16_t ColourAt(const Header& header, const std::vector<uint8_t>& line, size_t x, size_t colour) {
+uint16_t ColourAt(const Header& header, const uint8_t* line, size_t x, size_t colour) {
     if (header.colour != PNG_COLOR_TYPE_PALETTE) {
         const uint8_t* sample = &line[6 * x + 2 * colour];
         return static_cast<uint16_t>(sample[0] << 8 | sample[1]);
@@ -120,22 +121,32 @@ uint16_t ColourAt(const Header& header, const std::vector<uint8_t>& line, size_t
     return static_cast<uint16_t>(levels[colour] * 257);
 }
 
+void Store(const Header& header, const uint8_t* line, size_t y, PictureFile& picture) {
+    std::vector<uint16_t>* planes[] = {&picture.red, &picture.green, &picture.blue};
+    const size_t start = y * picture.width;
+    for (size_t x = 0; x < picture.width; ++x) {
+        for (size_t colour = 0; colour < 3; ++colour)
+            (*planes[colour])[start + x] = ColourAt(header, line, x, colour);
+    }
+}
+
 } // namespace
 
 PictureFile DecodePng(const std::vector<uint8_t>& bytes) {
     Reader reader(bytes);
     const Header& header = reader.About();
-    if (header.interlace != PNG_INTERLACE_NONE)
-        RefusePicture("it is interlaced");
     PictureFile picture = MakePicture(header.width, header.height);
-    std::vector<uint8_t> line(reader.LineSize());
-    std::vector<uint16_t>* planes[] = {&picture.red, &picture.green, &picture.blue};
-    for (size_t start = 0; start < picture.red.size(); start += picture.width) {
-        reader.Next(line);
-        for (size_t x = 0; x < picture.width; ++x) {
-            for (size_t colour = 0; colour < 3; ++colour)
-                (*planes[colour])[start + x] = ColourAt(header, line, x, colour);
-        }
+    // A line of an interlaced file is complete after the last pass only.
+    const size_t kept = header.passes > 1 ? picture.height : 1;
+    std::vector<uint8_t> lines(reader.LineSize() * kept);
+    const auto lineAt = [&](size_t y) { return &lines[reader.LineSize() * (y % kept)]; };
+    for (int pass = 1; pass < header.passes; ++pass) {
+        for (size_t y = 0; y < picture.height; ++y)
+            reader.Next(lineAt(y));
+    }
+    for (size_t y = 0; y < picture.height; ++y) {
+        reader.Next(lineAt(y));
+        Store(header, lineAt(y), y, picture);
     }
     return picture;
 }

@@ -143,14 +143,10 @@ TEST(PictureFiles, ThatAreBrokenAreRefused) {
 }
 
 TEST(PictureFiles, OfKindsThatAreNotReadAreRefused) {
-    const char* const interlaced =
-        "89504e470d0a1a0a0000000d49484452000000010000000108000000014d79abc30000000a4944415478da6360070000"
-        "0900088dabb9010000000049454e44ae426082";
     const char* const colourBeyondPalette =
         "89504e470d0a1a0a0000000d4948445200000002000000010803000000c3fc8fb800000009504c544501020301020301"
         "0203ee0196470000000b4944415478da6360600600000600048bf198fd0000000049454e44ae426082";
-    for (const char* hex : {interlaced, colourBeyondPalette})
-        EXPECT_THROW(DecodePicture(FromHex(hex)), Failure) << hex;
+    EXPECT_THROW(DecodePicture(FromHex(colourBeyondPalette)), Failure);
     std::vector<uint8_t> tiff = FromHex(packedTiff);
     tiff[24 + 2 + 3 * 12 + 8] = 7; // packed as JPEG
     EXPECT_THROW(DecodePicture(tiff), Failure);
