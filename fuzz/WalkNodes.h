@@ -49,8 +49,10 @@ private:
         Try([&] { value->ToString(true, true); });
         Try([&] { value->FromString(value->ToString()); });
         Try([&] {
-            if (const CIntegerPtr integer = node)
-                integer->SetValue((integer->GetMin() & integer->GetMax()) + integer->GetInc());
+            if (const CIntegerPtr integer = node) {
+                const auto value = static_cast<uint64_t>(integer->GetMin() & integer->GetMax());
+                integer->SetValue(static_cast<int64_t>(value + static_cast<uint64_t>(integer->GetInc())));
+            }
         });
         Try([&] {
             if (const CFloatPtr number = node)
