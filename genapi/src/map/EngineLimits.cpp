@@ -141,9 +141,8 @@ std::optional<Number> Engine::GivenNumber(const NumberSource& source) {
 Number Engine::SourceLimit(NodeIndex node, Side side) {
     const NodeDescription& description = Node(node);
     const bool isMin = side == Side::Min;
-    if (description.limits)
-        if (const auto given = GivenNumber(isMin ? description.limits->min : description.limits->max))
-            return *given;
+    if (const auto given = GivenNumber(isMin ? description.limits->min : description.limits->max))
+        return *given;
     const Number open = description.kind == ValueKind::Float
                             ? Number::Of(isMin ? kLowestFloat : kHighestFloat)
                             : Number::Of(isMin ? kLowestInteger : kHighestInteger);
@@ -184,7 +183,7 @@ Number Engine::ConverterLimit(NodeIndex node, Side side) {
     const Number open = Node(node).kind == ValueKind::Float
                             ? Number::Of(isMin ? kLowestFloat : kHighestFloat)
                             : Number::Of(isMin ? kLowestInteger : kHighestInteger);
-    if (part.slope == Varying || part.node == kNoNode || !IsReadable(FormulaModes(node).real))
+    if (part.slope == Varying || !IsReadable(FormulaModes(node).real))
         return open;
     const auto atMin = ConvertedLimit(node, Min(part.node));
     const auto atMax = ConvertedLimit(node, Max(part.node));
@@ -206,7 +205,7 @@ std::optional<int64_t> Engine::StatedIncrement(NodeIndex node) {
     if (description.type != NodeType::Integer || !description.error.empty())
         return std::nullopt;
     const SourcePart& source = *description.source;
-    if (!description.limits->inc.given && source.form == SourcePart::Form::Own && source.copies.empty())
+    if (!description.limits->inc.given && source.form == SourcePart::Form::Own)
         return std::nullopt;
     return SearchIncrement(node);
 }

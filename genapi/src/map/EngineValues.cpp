@@ -39,8 +39,6 @@ double Engine::ReadFloat(NodeIndex node) {
     const NodeDescription& description = Node(node);
     if (description.type == NodeType::Enumeration)
         return ReadNumericValue(node);
-    if (description.kind != ValueKind::Float)
-        return static_cast<double>(ReadInteger(node));
     if (state.valueKept && (state.ownsValue || (!m_ignoreCache && !description.addressVolatile)))
         return state.real;
     const Step step(*this, node);
@@ -106,10 +104,7 @@ const TableEntry* Engine::CurrentEntry(const SourcePart& source) {
 }
 
 Number Engine::ReadSource(NodeIndex node) {
-    const SourcePart& source = *Node(node).source;
-    if (source.form == SourcePart::Form::Own) // a value that has been dropped by nobody: it is kept for ever
-        return Node(node).kind == ValueKind::Float ? Number::Of(m_states[node].real)
-                                                   : Number::Of(m_states[node].integer);
+    const SourcePart& source = *Node(node).source; // never its own: that is kept for ever
     const bool asFloat = Node(node).kind == ValueKind::Float;
     const auto read = [&](NodeIndex target) {
         return asFloat && Node(target).type == NodeType::Enumeration ? Number::Of(ReadFloat(target))

@@ -8,10 +8,6 @@ namespace GENAPI_NAMESPACE::inside {
 
 void Engine::WriteInteger(NodeIndex node, int64_t value, bool verify) {
     const NodeDescription& description = Node(node);
-    if (description.kind == ValueKind::Float) {
-        WriteFloat(node, static_cast<double>(value), verify);
-        return;
-    }
     if (description.kind != ValueKind::Integer || !description.error.empty())
         NoNumber(node);
     const Level level(*this, node);
@@ -34,10 +30,6 @@ void Engine::WriteInteger(NodeIndex node, int64_t value, bool verify) {
 
 void Engine::WriteFloat(NodeIndex node, double value, bool verify) {
     const NodeDescription& description = Node(node);
-    if (description.kind != ValueKind::Float) {
-        WriteNumber(node, Number::Of(value), verify);
-        return;
-    }
     if (!description.error.empty())
         NoNumber(node);
     if (!std::isfinite(value))
