@@ -12,8 +12,8 @@ Engine::Engine(std::shared_ptr<const Description> description)
       m_pollElapsed(m_description->polled.size(), 0) {
     for (NodeIndex i = 0; i < m_states.size(); ++i) {
         const SourcePart* source = Node(i).source.Find();
-        if (!source || source->form != SourcePart::Form::Own)
-            continue;
+        if (!source || source->form != SourcePart::Form::Own || !Node(i).error.empty())
+            continue; // what could not be built has no value, not even 0
         NodeState& state = m_states[i];
         state.ownsValue = true;
         state.valueKept = true;
