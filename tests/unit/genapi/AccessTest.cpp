@@ -191,6 +191,116 @@ TEST(Access, AnotherSpellingOfTheModeIsUnderstood) {
     EXPECT_EQ(camera.Mode("Odd"), RO);
 }
 
+TEST(Access, ReasonsReachTheNodeThatDecided) {
+    const std::string formulas = "<FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom>";
+    Camera camera(
+        Feature("I", "<Value>5</Value>") + IntReg("Wo", 0, 4, "<AccessMode>WO</AccessMode>") +
+        IntReg("Ro", 4, 4, "<AccessMode>RO</AccessMode>") + IntReg("Rw", 8) +
+        "<IntReg Name=\"AtWo\"><pAddress>Wo</pAddress><Length>4</Length><AccessMode>RW</AccessMode>"
+        "<pPort>Device</pPort></IntReg><IntReg Name=\"OffWo\"><pIndex "
+        "pOffset=\"Wo\">I</pIndex><Length>4</Length>"
+        "<AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>" +
+        ::Node("Command", "C", "<pValue>Rw</pValue><CommandValue>1</CommandValue>") +
+        ::Node("Command", "OverRo", "<pValue>Ro</pValue><CommandValue>1</CommandValue>") +
+        Feature("OverC", "<pValue>C</pValue>") +
+        Feature("Table", "<pIndex>I</pIndex><ValueIndexed Index=\"1\">1</ValueIndexed>") +
+        Feature("Copies", "<pValue>Rw</pValue><pValueCopy>Ro</pValueCopy>") +
+        Feature("CopiesOfWo", "<pValue>Wo</pValue><pValueCopy>Rw</pValueCopy>") +
+        Feature("CopiesOfRo", "<pValue>Ro</pValue><pValueCopy>Rw</pValueCopy>") +
+        ::Node(
+            "Converter", "Conv",
+            "<pVariable Name=\"V\">Wo</pVariable><FormulaTo>FROM</FormulaTo><FormulaFrom>TO+V</FormulaFrom>"
+            "<pValue>Rw</pValue>") +
+        ::Node("Converter", "ConvRo", formulas + "<pValue>Ro</pValue>") +
+        ::Node("SwissKnife", "Knife", "<Formula>1</Formula>") + ::Node("Category", "Group", "") +
+        ::Node("String", "S", "<pIsLocked>I</pIsLocked><Value>x</Value>"));
+    const auto whyNotRead = [&](const char* name) {
+        return Failure<AccessException>([&] { camera.Value(name)->ToString(); });
+    };
+    const auto whyNotWrite = [&](const char* name) {
+        return Failure<AccessException>([&] { camera.Value(name)->FromString("1"); });
+    };
+    EXPECT_EQ(whyNotRead("AtWo"),
+              "Node 'AtWo' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
+    EXPECT_EQ(camera.Mode("OffWo"), NA);
+    EXPECT_EQ(whyNotRead("OverC"),
+              "Node 'OverC' is not readable: 'C' is not readable, it is a command (access mode WO).");
+    EXPECT_EQ(camera.Mode("OverRo"), NA);
+    EXPECT_EQ(whyNotWrite("OverRo"),
+              "Node 'OverRo' is not writable: 'Ro' is not writable, its register is RO (access mode NA).");
+    EXPECT_EQ(whyNotRead("Table"),
+              "Node 'Table' is not readable: of the entry that 'I' chooses (access mode NA).");
+    EXPECT_EQ(camera.Mode("Copies"), RO);
+    EXPECT_EQ(whyNotWrite("Copies"),
+              "Node 'Copies' is not writable: 'Ro' is not writable, its register is RO (access mode RO).");
+    EXPECT_EQ(
+        whyNotRead("CopiesOfWo"),
+        "Node 'CopiesOfWo' is not readable: 'Wo' is not readable, its register is WO (access mode WO).");
+    EXPECT_EQ(
+        whyNotWrite("CopiesOfRo"),
+        "Node 'CopiesOfRo' is not writable: 'Ro' is not writable, its register is RO (access mode RO).");
+    EXPECT_EQ(whyNotRead("Conv"),
+              "Node 'Conv' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
+    EXPECT_EQ(whyNotWrite("ConvRo"),
+              "Node 'ConvRo' is not writable: 'Ro' is not writable, its register is RO (access mode RO).");
+    EXPECT_EQ(whyNotWrite("Knife"), "Node 'Knife' is not writable: it is computed (access mode RO).");
+    EXPECT_EQ(whyNotWrite("S"), "Node 'S' is not writable: it is locked by 'I' (access mode RO).");
+}
+
+TEST(Access, PortThatTakesNothingIsTheReason) {
+    Camera camera(IntReg("R", 0));
+    camera.port.mode = NA;
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("R")->GetValue(); }),
+              "Node 'R' is not readable: port 'Device' is NA (access mode NA).");
+    camera.port.mode = WO;
+    camera.Node("Device")->InvalidateNode();
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("R")->GetValue(); }),
+              "Node 'R' is not readable: port 'Device' is WO (access mode WO).");
+}
+
+TEST(Access, PredicateThatCannotBeReadMakesTheNodeUnavailable) {
+    Camera camera(Feature("A", "<pIsImplemented>Wo</pIsImplemented><Value>1</Value>") +
+                  Feature("B", "<pIsLocked>Wo</pIsLocked><Value>1</Value>") +
+                  IntReg("Wo", 0, 4, "<AccessMode>WO</AccessMode>"));
+    EXPECT_EQ(camera.Mode("A"), NA);
+    EXPECT_EQ(camera.Mode("B"), NA);
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("A")->GetValue(); }),
+              "Node 'A' is not readable: it is not implemented, as 'Wo' says (access mode NA).");
+}
+
+TEST(Access, PredicateOfAPortHoldsForItsRegisters) {
+    Camera camera(
+        "<Port Name=\"P\"><pIsAvailable>Flag</pIsAvailable></Port>" + Feature("Flag", "<Value>1</Value>") +
+        "<IntReg Name=\"R\"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>P</pPort>"
+        "</IntReg>" +
+        Feature("A", "<pValue>R</pValue>") +
+        ::Node(
+            "IntSwissKnife", "K",
+            "<pVariable Name=\"X\">A</pVariable><pVariable Name=\"Y\">R</pVariable><Formula>X+Y</Formula>"));
+    FakePort second;
+    ASSERT_TRUE(camera.map._Connect(&second, "P"));
+    EXPECT_EQ(camera.Mode("K"), RO);
+    EXPECT_EQ(camera.Mode("A"), RW);
+    camera.Int("Flag")->SetValue(0);
+    for (const char* name : {"P", "R", "A", "K"})
+        EXPECT_EQ(camera.Mode(name), NA) << name;
+    camera.Int("Flag")->SetValue(1);
+    EXPECT_EQ(camera.Mode("A"), RW);
+}
+
+TEST(Access, ModesThatDoubleWithEveryLinkAreGivenUp) {
+    std::string nodes = IntReg("N0", 0) + IntReg("Flag", 4, 4, "<Cachable>NoCache</Cachable>");
+    for (int i = 1; i < 60; ++i) {
+        const std::string below = "N" + std::to_string(i - 1);
+        nodes += Feature("N" + std::to_string(i), "<pIsAvailable>Flag</pIsAvailable><pValue>" + below +
+                                                      "</pValue><pValueCopy>" + below + "</pValueCopy>");
+    }
+    Camera camera(nodes);
+    camera.port.Put(4, {1});
+    EXPECT_EQ(camera.Mode("N3"), RW);
+    EXPECT_FALSE(IsWritable(camera.Node("N59")));
+}
+
 TEST(Selector, BothDirectionsAreListed) {
     Camera camera(Feature("Sel", "<Value>0</Value><pSelected>Gain</pSelected><pSelected>Gone</pSelected>") +
                   Feature("Gain", "<Value>0</Value>"));

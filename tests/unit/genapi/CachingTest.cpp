@@ -163,6 +163,124 @@ TEST(Polling, NodeIsStaleWhenItsTimeHasPassed) {
     EXPECT_EQ(camera.port.TakeReads(), 1);
 }
 
+TEST(Caching, WhatIsNotKeptMakesNothingAboveItKept) {
+    Camera camera(
+        IntReg("Never", 0, 4, "<Cachable>NoCache</Cachable>") + Feature("A", "Never") +
+        Feature("B", "Never") +
+        ::Node(
+            "IntSwissKnife", "K",
+            "<pVariable Name=\"X\">A</pVariable><pVariable Name=\"Y\">B</pVariable><Formula>X+Y</Formula>") +
+        "<IntReg Name=\"Twice\"><pAddress>Never</pAddress><pAddress>K</pAddress><Length>4</Length>"
+        "<pPort>Device</pPort></IntReg>" +
+        ::Register("FloatReg", "Around", 8, 4) +
+        ::Node("SwissKnife", "Both",
+               "<pVariable Name=\"X\">Around</pVariable><pVariable Name=\"Y\">Never</pVariable>"
+               "<pVariable Name=\"Z\">Over</pVariable><Formula>X+Y+Z</Formula>") +
+        ::Node("Float", "Over", "<pValue>Around</pValue>"));
+    EXPECT_EQ(camera.Node("K")->GetCachingMode(), NoCache);
+    EXPECT_EQ(camera.Node("Both")->GetCachingMode(), NoCache);
+    EXPECT_EQ(camera.Node("Over")->GetCachingMode(), WriteAround);
+    EXPECT_EQ(camera.Int("K")->GetValue(), 0);
+    camera.port.Put(0, {3});
+    EXPECT_EQ(camera.Int("K")->GetValue(), 6);
+    EXPECT_EQ(camera.Reg("Twice")->GetAddress(), 9);
+}
+
+TEST(Invalidation, SelectorReachesTheRegistersOfAFeatureUnlessThereAreVeryMany) {
+    for (const int count : {20, 600}) {
+        std::string nodes = ::Node("Integer", "S", "<Value>0</Value><pSelected>F</pSelected>");
+        std::string variables;
+        std::string formula = "0";
+        for (int i = 0; i < count; ++i) {
+            const std::string name = "R" + std::to_string(i);
+            nodes += IntReg(name, 4 * i) + Feature("Over" + name, name);
+            variables += "<pVariable Name=\"" + name + "\">Over" + name + "</pVariable><pVariable Name=\"A" +
+                         name + "\">" + name + "</pVariable>";
+            formula += "+" + name + "+A" + name;
+        }
+        Camera camera(nodes + ::Node("IntSwissKnife", "F", variables + "<Formula>" + formula + "</Formula>"));
+        EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+        EXPECT_EQ(camera.port.TakeReads(), count);
+        EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+        EXPECT_EQ(camera.port.TakeReads(), 0);
+        camera.Int("S")->SetValue(1);
+        EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+        EXPECT_EQ(camera.port.TakeReads(), count < 500 ? count : 0);
+    }
+}
+
+TEST(Polling, BlockedNodesAreLeftAlone) {
+    Camera camera(IntReg("R", 0, 4, "<pBlockPolling>Block</pBlockPolling><PollingTime>100</PollingTime>") +
+                  ::Node("Integer", "Block", "<Value>1</Value>"));
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    camera.port.TakeReads();
+    camera.map._Poll(1000);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+    camera.Int("Block")->SetValue(0);
+    camera.map._Poll(100);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
+TEST(Polling, TimeNeverRunsBackOrOver) {
+    Camera camera(IntReg("R", 0, 4, "<PollingTime>9223372036854775807</PollingTime>") +
+                  ::Node("Integer", "Bad", "<PollingTime>1</PollingTime><pValue>Gone</pValue>"));
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    camera.port.TakeReads();
+    camera.map._Poll(-5);
+    camera.map._Poll(INT64_MAX - 1);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+    camera.map._Poll(INT64_MAX);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
+TEST(Polling, CommandsAreWatchedUntilTheyAreDone) {
+    Camera camera(::Node("Command", "C",
+                         "<pValue>R</pValue><CommandValue>1</CommandValue><PollingTime>10</PollingTime>") +
+                  IntReg("R", 0));
+    int* const done = camera.Watch("C");
+    camera.map._Poll(10);
+    EXPECT_EQ(camera.port.TakeReads(), 0); // nobody has executed it
+    camera.Command("C")->Execute();
+    EXPECT_EQ(*done, 1);
+    camera.map._Poll(10);
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+    EXPECT_EQ(*done, 1);
+    camera.port.Put(0, {0});
+    camera.map._Poll(10);
+    EXPECT_EQ(*done, 2);
+    camera.port.TakeReads();
+    camera.map._Poll(10);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+}
+
+TEST(Polling, EnumerationsAreWatchedWhileTheirEntryClearsItself) {
+    Camera camera("<Enumeration Name=\"E\"><EnumEntry Name=\"Off\"><Value>0</Value></EnumEntry><EnumEntry "
+                  "Name=\"Once\">"
+                  "<Value>1</Value><IsSelfClearing>Yes</IsSelfClearing></EnumEntry><pValue>R</pValue>"
+                  "<PollingTime>10</PollingTime></Enumeration>" +
+                  IntReg("R", 0));
+    camera.Value("E")->FromString("Once");
+    camera.port.Put(0, {0}); // the device is through with it
+    EXPECT_TRUE(camera.Value("E")->ToString() == "Once");
+    camera.map._Poll(10);
+    EXPECT_TRUE(camera.Value("E")->ToString() == "Off");
+    camera.port.Put(0, {1});
+    camera.map._Poll(10);
+    EXPECT_TRUE(camera.Value("E")->ToString() == "Off"); // stays as it is kept
+    camera.Enum("E")->SetIntValue(0);
+    camera.port.Put(0, {7});
+    camera.Node("R")->InvalidateNode();
+    EXPECT_EQ(camera.Enum("E")->GetIntValue(), 7);
+    camera.map._Poll(10); // no entry at all
+    camera.map._Connect(nullptr);
+    camera.map._Poll(10);
+    EXPECT_EQ(camera.Mode("E"), NA);
+}
+
 TEST(Callbacks, RunOncePerChangeForEveryNodeConcerned) {
     Camera camera(Feature("F", "R") + Feature("G", "R") + IntReg("R", 0) + IntReg("Other", 8));
     int* const f = camera.Watch("F");
@@ -250,4 +368,30 @@ TEST(Callbacks, SuppressedOnesDoNotRun) {
     EXPECT_EQ(*count, 0);
     camera.Int("R")->SetValue(2);
     EXPECT_EQ(*count, 1);
+}
+
+TEST(Callbacks, OfNoNodeAreRefused) {
+    struct Client {
+        void OnChange(INode*) {}
+        void OnChangeConst(INode*) const {}
+    } client;
+    Camera camera(IntReg("R", 0) + IntReg("Other", 4));
+    const std::string refusal = "NULL pointer dereferenced";
+    EXPECT_EQ(Failure<LogicalErrorException>([&] { Register(nullptr, [](INode*) {}); }), refusal);
+    EXPECT_EQ(Failure<LogicalErrorException>([&] { Register(nullptr, client, &Client::OnChange); }), refusal);
+    const Client& fixed = client;
+    EXPECT_EQ(Failure<LogicalErrorException>([&] { Register(nullptr, fixed, &Client::OnChangeConst); }),
+              refusal);
+    EXPECT_EQ(Failure<InvalidArgumentException>([&] { camera.Node("R")->RegisterCallback(nullptr); }),
+              "No callback for node 'R'.");
+    const CallbackHandleType handle = Register(camera.Node("R"), client, &Client::OnChange);
+    EXPECT_FALSE(camera.Node("Other")->DeregisterCallback(handle));
+    EXPECT_TRUE(camera.Node("R")->DeregisterCallback(handle));
+}
+
+TEST(Callbacks, FirstOfSeveralExceptionsPasses) {
+    Camera camera(IntReg("R", 0));
+    Register(camera.Node("R"), [](INode*) { throw RUNTIME_EXCEPTION("first"); });
+    Register(camera.Node("R"), [](INode*) { throw RUNTIME_EXCEPTION("second"); });
+    EXPECT_EQ(Failure<RuntimeException>([&] { camera.Int("R")->SetValue(1); }), "first");
 }

@@ -500,3 +500,60 @@ TEST(ChunkAdapter, MutatedBuffersAreTakenOrRefused) {
     EXPECT_GT(taken, 1000u);
     EXPECT_GT(refused, 1000u);
 }
+
+TEST(ChunkPorts, CopiesTellWhereTheyAreToo) {
+    GevCamera camera(
+        ChunkPort("Number", "1001", "<CacheChunkData>Yes</CacheChunkData>") +
+        ChunkReg("Base", "Number", "0x7FFFFFFFFFFFFFFF", kEight, "<Endianess>LittleEndian</Endianess>") +
+        ChunkReg("Length", "Number", "0x7FFFFFFFFFFFFFF0", kEight, "<Endianess>LittleEndian</Endianess>") +
+        ChunkReg("Value", "Number", "0", kEight));
+    camera.Attach(kGevTwo);
+    EXPECT_EQ(reinterpret_cast<const uint8_t*>(camera.Int("Base")->GetValue()), camera.buffer.data() + 16);
+    camera.adapter.DetachBuffer();
+    camera.buffer.assign(32, 0);
+    EXPECT_EQ(camera.Read("Length"), "8");
+    EXPECT_EQ(*reinterpret_cast<const uint8_t*>(camera.Int("Base")->GetValue()), 0x11);
+}
+
+TEST(ChunkPorts, NoBytesCanBeReadFromAnywhereInside) {
+    GevCamera camera(kTwoPorts);
+    camera.Attach(kGevTwo);
+    uint8_t untouched = 77;
+    const CPortPtr port = camera.Node("Number");
+    port->Read(&untouched, 8, 0);
+    EXPECT_EQ(untouched, 77);
+    EXPECT_EQ(Failure<AccessException>([&] { port->Read(&untouched, 8, 1); }),
+              "The data of port 'Number' ends at 8, before 1 bytes at 8.");
+    EXPECT_EQ(Failure<AccessException>([&] { port->Write(&untouched, 0, 1); }),
+              "The data of port 'Number' can't be written.");
+}
+
+TEST(ChunkPorts, AnIdFromAMissingNodeBelongsToNoChunk) {
+    GevCamera camera(Node("Port", "Some", "<pChunkID>Gone</pChunkID>") +
+                     ChunkReg("Value", "Some", "0", kEight));
+    EXPECT_EQ(camera.Attach(kGevTwo), "1/2/0");
+    EXPECT_EQ(camera.Read("Value"), "NA");
+}
+
+TEST(ChunkAdapter, WithoutAMapTheRestDoesNothing) {
+    Camera camera(kTwoPorts, false);
+    CChunkAdapterGEV adapter;
+    adapter.DetachBuffer();
+    adapter.ClearCaches();
+    ByteRow buffer = FromHex(kGevTwo);
+    adapter.UpdateBuffer(buffer.data());
+    EXPECT_THROW(adapter.UpdateBuffer(nullptr), InvalidArgumentException);
+    adapter.AttachNodeMap(camera.map._Ptr);
+    EXPECT_THROW(adapter.UpdateBuffer(buffer.data()), LogicalErrorException);
+    adapter.AttachBuffer(buffer.data(), static_cast<int64_t>(buffer.size()));
+    adapter.AttachNodeMap(camera.map._Ptr); // the same: what is attached stays
+    EXPECT_EQ(camera.Int("Value")->GetValue(), 0x1122334455667788);
+}
+
+TEST(ChunkAdapterGeneric, TooManyChunksAreRefused) {
+    CChunkAdapterGeneric adapter;
+    uint8_t buffer[8] = {};
+    std::vector<SingleChunkData_t> chunks(100000, SingleChunkData_t{1, 0, 1});
+    EXPECT_THROW(adapter.AttachBuffer(buffer, chunks.data(), static_cast<int64_t>(chunks.size())),
+                 RuntimeException);
+}

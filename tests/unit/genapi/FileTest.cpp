@@ -351,3 +351,126 @@ TEST(TestPortStruct, IsARegisterSpaceFromItsBaseOn) {
     volatile int64_t negative = -1; // the compiler would warn of what it sees
     EXPECT_THROW(port.Write(back, kBase, negative), OutOfRangeException);
 }
+
+TEST(DevFileStream, WhatIsNotOpenGivesAndTakesNothing) {
+    IDevFileStream in;
+    EXPECT_EQ(in.rdbuf()->sgetc(), std::char_traits<char>::eof());
+    EXPECT_EQ(in.rdbuf()->pubseekoff(0, std::ios_base::cur), std::streambuf::pos_type(-1));
+    in.close();
+    EXPECT_TRUE(in.fail());
+    ODevFileStream out;
+    EXPECT_EQ(out.rdbuf()->sputc('x'), std::char_traits<char>::eof());
+    EXPECT_EQ(out.rdbuf()->pubsync(), 0);
+    out.close();
+    EXPECT_TRUE(out.fail());
+}
+
+TEST(DevFileStream, EachDirectionRefusesTheOther) {
+    FileCamera camera;
+    camera.device.files[0] = Digits(5);
+    {
+        IDevFileStream in(camera.Map(), "UserSet");
+        EXPECT_EQ(in.rdbuf()->sputc('x'), std::char_traits<char>::eof());
+    }
+    ODevFileStream out(camera.Map(), "UserSet");
+    EXPECT_EQ(out.rdbuf()->sgetc(), std::char_traits<char>::eof());
+}
+
+TEST(DevFileStream, OverflowWithoutACharacterOnlyMakesRoom) {
+    FileCamera camera;
+    ODevFileStream file(camera.Map(), "UserSet");
+    struct Opened : std::streambuf {
+        using std::streambuf::overflow;
+    };
+    file << "ab";
+    auto* const buffer = file.rdbuf();
+    EXPECT_NE((buffer->*&Opened::overflow)(std::char_traits<char>::eof()), std::char_traits<char>::eof());
+    EXPECT_EQ(camera.device.files[0], "ab");
+}
+
+TEST(DevFileStream, SeeksFromWhereItStands) {
+    FileCamera camera;
+    camera.device.files[0] = Digits(40);
+    IDevFileStream in(camera.Map(), "UserSet");
+    in.seekg(5);
+    in.seekg(10, std::ios_base::cur);
+    EXPECT_EQ(in.get(), '5');
+    EXPECT_EQ(in.rdbuf()->pubseekoff(INT64_MAX, std::ios_base::cur), std::streambuf::pos_type(-1));
+    FileCamera noSize(FileFeatures());
+    IDevFileStream blind(noSize.Map(), "UserSet");
+    EXPECT_EQ(blind.rdbuf()->pubseekoff(0, std::ios_base::end), std::streambuf::pos_type(-1));
+}
+
+TEST(DevFileStream, BytesThatTheDeviceRefusesFailSeekingAndFlushing) {
+    FileCamera camera;
+    camera.device.room = 1;
+    ODevFileStream file(camera.Map(), "UserSet");
+    file << "abc";
+    EXPECT_EQ(file.rdbuf()->pubseekoff(0, std::ios_base::beg), std::streambuf::pos_type(-1));
+    file << "def" << std::flush;
+    EXPECT_TRUE(file.bad());
+    camera.device.room = 100;
+    file.clear();
+    camera.device.room = 0;
+    file << Digits(40);
+    EXPECT_TRUE(file.bad());
+}
+
+TEST(DevFileStream, AFileWithoutBufferOrEndIsNotOpened) {
+    FileCamera noBuffer(FileFeatures("<Min>0</Min><Max>0</Max>") + kAnswers);
+    IDevFileStream in(noBuffer.Map(), "UserSet");
+    EXPECT_TRUE(in.fail());
+    EXPECT_FALSE(noBuffer.device.isOpen[0]);
+    FileCamera noSize(FileFeatures());
+    ODevFileStream out(noSize.Map(), "UserSet", std::ios_base::ate);
+    EXPECT_TRUE(out.fail());
+    EXPECT_FALSE(noSize.device.isOpen[0]);
+}
+
+TEST(DevFileStream, AFileThatCannotBeClosedFailsTheStream) {
+    FileCamera camera;
+    ODevFileStream file(camera.Map(), "UserSet");
+    camera.device.isOpen[0] = false;
+    file.close();
+    EXPECT_TRUE(file.fail());
+}
+
+TEST(FileProtocolAdapter, EveryFeatureIsNeeded) {
+    const std::string all = FileFeatures();
+    for (const std::string name :
+         {"FileSelector", "FileOperationSelector", "FileOpenMode", "FileAccessBuffer", "FileAccessOffset",
+          "FileAccessLength", "FileOperationExecute", "FileOperationStatus"}) {
+        std::string less = all;
+        less.replace(less.find("\"" + name + "\""), name.size() + 2, "\"Other\"");
+        FileCamera camera(less);
+        EXPECT_FALSE(FileProtocolAdapter().attach(camera.Map())) << name;
+    }
+}
+
+TEST(FileProtocolAdapter, ABufferShorterThanTheAccessBoundsIt) {
+    const auto buffer = At("Register", "FileAccessBuffer", offsetof(FileRegisters, buffer), 16);
+    std::string features = FileFeatures("<Min>0</Min><Max>16</Max>");
+    features.replace(features.find(buffer), buffer.size(),
+                     At("Register", "FileAccessBuffer", offsetof(FileRegisters, buffer), 6));
+    FileCamera camera(features + kAnswers);
+    camera.device.files[0] = Digits(20);
+    FileProtocolAdapter adapter;
+    ASSERT_TRUE(adapter.attach(camera.Map()));
+    adapter.openFile("UserSet", std::ios_base::in);
+    char text[21] = {};
+    EXPECT_EQ(adapter.read(text, 0, 20, "UserSet"), 20);
+    EXPECT_EQ(text, Digits(20));
+    EXPECT_EQ(camera.device.operations[kRead], 4);
+}
+
+TEST(FileProtocolAdapter, ADeviceThatMovesNothingEndsTheRead) {
+    FileCamera camera(FileFeatures() + At("IntReg", "FileSize", offsetof(FileRegisters, size), 4) +
+                      Node("Integer", "FileOperationResult", "<Value>0</Value>"));
+    camera.device.files[0] = Digits(20);
+    FileProtocolAdapter adapter;
+    ASSERT_TRUE(adapter.attach(camera.Map()));
+    adapter.openFile("UserSet", std::ios_base::in | std::ios_base::out);
+    char text[21] = {};
+    EXPECT_EQ(adapter.read(text, 0, 20, "UserSet"), 0);
+    EXPECT_EQ(adapter.write(text, 0, 20, "UserSet"), 0);
+}

@@ -352,3 +352,157 @@ TEST(FeatureBag, RefusesOtherStreams) {
               "Nodemap pointer is NULL");
     EXPECT_EQ(Failure<InvalidArgumentException>([&] { bag.StoreToBag(nullptr); }), "Nodemap pointer is NULL");
 }
+
+TEST(SelectorSet, EveryKindOfSelectorIsWalked) {
+    Camera camera(
+        ::Node("Boolean", "B", "<Value>0</Value>" + Selects("X")) +
+        ::Node("Integer", "List", "<Value>1</Value><ValidValueSet>1;5</ValidValueSet>" + Selects("X")) +
+        ::Node("Float", "F", "<Value>0.5</Value>") +
+        ::Node("Integer", "Wide", "<Value>9</Value>" + Selects("X")) +
+        ::Node("Integer", "Empty", "<Value>4</Value><Min>6</Min><Max>5</Max>" + Selects("X")) +
+        IntReg("X", 8));
+    CSelectorSet set(camera.Node("X"));
+    std::vector<std::string> seen;
+    for (bool more = set.SetFirst(); more; more = set.SetNext())
+        seen.push_back(set.ToString().c_str());
+    EXPECT_EQ(seen,
+              (std::vector<std::string>{"B=0, List=1, Wide=9, Empty=4", "B=0, List=5, Wide=9, Empty=4",
+                                        "B=1, List=1, Wide=9, Empty=4", "B=1, List=5, Wide=9, Empty=4"}));
+    EXPECT_FALSE(set.SetNext(false)); // it has ended
+}
+
+TEST(SelectorSet, SelectorsThatCannotBeReadAreLeftOut) {
+    Camera camera(
+        IntReg("WoReg", 0, 4, "<AccessMode>WO</AccessMode>") +
+        ::Node("Integer", "Wo", "<pValue>WoReg</pValue>" + Selects("X")) +
+        ::Node("Enumeration", "NoEntry",
+               ::Node("EnumEntry", "A", "<Value>3</Value>") + "<pValue>Odd</pValue>" + Selects("X")) +
+        IntReg("Odd", 4) + IntReg("X", 8));
+    CSelectorSet set(camera.Node("X"));
+    EXPECT_TRUE(set.IsEmpty());
+}
+
+TEST(SelectorSet, ValuesThatADeviceRefusesArePassedOver) {
+    Camera camera(Selector("S", 0, Selects("X")) + IntReg("X", 8));
+    const CNodePtr b = camera.Enum("S")->GetEntryByName("B");
+    CSelectorSet set(camera.Node("X"));
+    ASSERT_TRUE(set.SetFirst());
+    b->ImposeAccessMode(NA); // it was there when the values were listed
+    EXPECT_TRUE(set.SetNext());
+    EXPECT_STREQ(set.ToString().c_str(), "S=C");
+    camera.Value("S")->FromString("A");
+    CNodePtr(camera.Enum("S")->GetEntryByName("C"))->ImposeAccessMode(NA);
+    EXPECT_FALSE(set.SetNext(false));
+}
+
+TEST(SelectorSet, RestoringTellsTheFirstFailure) {
+    Camera camera(Selector("S", 0, Selects("X")) + Selector("T", 4, Selects("X")) + IntReg("X", 8));
+    camera.Value("S")->FromString("B");
+    camera.Value("T")->FromString("C");
+    CSelectorSet set(camera.Node("X"));
+    ASSERT_TRUE(set.SetFirst());
+    CNodePtr(camera.Enum("S")->GetEntryByName("B"))->ImposeAccessMode(NA);
+    CNodePtr(camera.Enum("T")->GetEntryByName("C"))->ImposeAccessMode(NA);
+    EXPECT_EQ(Failure<AccessException>([&] { set.Restore(); }).find("Entry 'B' of 'S' is not available: "),
+              0u);
+}
+
+TEST(FeatureBag, VerificationKnowsEveryKindOfText) {
+    Camera camera(::Node("Boolean", "Bool", "<Value>0</Value>") + Register("Register", "Bytes", 0, 2) +
+                  ::Node("Float", "F", "<Value>0</Value>") + ::Node("Integer", "I", "<Value>0</Value>") +
+                  Selector("E", 16, "") + ::Node("String", "S", "<Value>x</Value>") +
+                  Register("FloatReg", "Single", 32, 4));
+    EXPECT_EQ(Load(camera, "Bool\ttrue\nBytes\tabCD\nF\t1e0\nI\t0x10\nE\t B \nS\tab \nSingle\t0.1\n"), "");
+    EXPECT_EQ(Load(camera, "Bool\t FALSE\nBytes\t0XABcd\n"), "");
+    EXPECT_EQ(camera.port.Bytes(0, 2), (std::vector<int>{0xAB, 0xCD}));
+    EXPECT_FALSE(camera.Bool("Bool")->GetValue());
+    EXPECT_EQ(Load(camera, "I\tten\nF\tx\n"),
+              "'I' could not be set to 'ten': 'ten' is no value of 'I': a whole number is needed.\n"
+              "'F' could not be set to 'x': 'x' is no value of 'F': a number is needed.\n");
+}
+
+TEST(FeatureBag, VerificationSeesWhatHasChangedSince) {
+    Camera camera(Register("Register", "Bytes", 0, 2) + Register("FloatReg", "F", 8, 4) +
+                  ::Node("Boolean", "B", "<pValue>R</pValue>") + IntReg("R", 16) +
+                  Register("StringReg", "S", 24, 4) +
+                  ::Node("Integer", "Ip", "<pValue>R2</pValue><Representation>IPV4Address</Representation>") +
+                  IntReg("R2", 32) + IntReg("Wo", 40, 4, "<AccessMode>WO</AccessMode>"));
+    camera.port.onWrite = [&] {
+        camera.port.Put(0, {1, 2});
+        camera.port.Put(8, {0, 0, 0x80, 0x3F});
+        camera.port.Put(16, {0});
+        camera.port.Put(24, {'z', 0, 0, 0});
+        camera.port.Put(32, {5});
+    };
+    EXPECT_EQ(Load(camera, "Bytes\t0xFFFF\nF\t2.5\nB\t1\nS\tab\nIp\t10.0.0.1\nWo\t5\n"),
+              "'Bytes' could not be set to '0xFFFF': it reads back as '0x0102'\n"
+              "'F' could not be set to '2.5': it reads back as '1'\n"
+              "'B' could not be set to '1': it reads back as '0'\n"
+              "'S' could not be set to 'ab': it reads back as 'z'\n"
+              "'Ip' could not be set to '10.0.0.1': it reads back as '167772165'\n");
+}
+
+TEST(FeatureBag, NodesWithoutAValueAreNoFeaturesAndNoSelectors) {
+    Camera camera(IntReg("A", 0));
+    EXPECT_EQ(Load(camera, "Device\t1\nA\t{Device=1}\t5\nA\t{A}\t5\n"),
+              "'Device' could not be set to '1': there is no such feature\n"
+              "'A' could not be set to '5': there is no selector 'Device=1'\n"
+              "'A' could not be set to '5': there is no selector 'A'\n");
+}
+
+TEST(FeatureBag, SettingsDifferByEachOfTheirSelectors) {
+    Camera camera(Selector("S", 0, Selects("X")) + Selector("T", 4, Selects("X")) +
+                  IntReg("X", 64, 4, "<pIndex Offset=\"4\">S</pIndex><pIndex Offset=\"16\">T</pIndex>"));
+    EXPECT_EQ(Load(camera, "X\t{S=A}\t1\nX\t{T=B}\t2\nX\t{S=B}\t3\nX\t{S=B, T=C}\t4\n"), "");
+    EXPECT_EQ(camera.port.Bytes(64, 5), (std::vector<int>{1, 0, 0, 0, 3}));
+    EXPECT_EQ(camera.port.Bytes(80, 1), std::vector<int>{2});
+    EXPECT_EQ(camera.port.Bytes(100, 1), std::vector<int>{4});
+}
+
+TEST(FeatureBag, EqualityIsOfNamesAndValues) {
+    EXPECT_TRUE(Bag("A\t1\n") == Bag("A\t1\n"));
+    EXPECT_FALSE(Bag("A\t1\n") == Bag("B\t1\n"));
+    EXPECT_FALSE(Bag("A\t1\n") == Bag("A\t2\n"));
+}
+
+TEST(FeatureBag, LockThatCannotBeReadHoldsNothingBack) {
+    Camera camera(IntReg("A", 0) + IntReg("TLParamsLocked", 4, 4, "<AccessMode>WO</AccessMode>") +
+                  IntReg("ValidReg", 8, 4, "<AccessMode>WO</AccessMode>") +
+                  ::Node("Boolean", "DeviceRegistersValid", "<pValue>ValidReg</pValue>") +
+                  ::Node("Command", "DeviceRegistersStreamingStart", "<pValue>RoReg</pValue>") +
+                  IntReg("RoReg", 12, 4, "<AccessMode>RO</AccessMode>"));
+    EXPECT_EQ(Load(camera, "A\t5\n"), "");
+    EXPECT_EQ(camera.Int("A")->GetValue(), 5);
+}
+
+TEST(FeatureBag, WaitsForADeviceThatTakesItsTime) {
+    const auto command = [](const std::string& name, int address) {
+        return ::Node("Command", name, "<pValue>" + name + "Reg</pValue><CommandValue>1</CommandValue>") +
+               IntReg(name + "Reg", address, 4);
+    };
+    Camera camera(IntReg("A", 0) + command("DeviceRegistersStreamingStart", 0x30) +
+                  command("DeviceRegistersStreamingEnd", 0x40) +
+                  ::Node("IntSwissKnife", "Unused", "<Formula>1</Formula>"));
+    // A command is done when its register is 0 again: three reads later.
+    class SlowPort final : virtual public IPort {
+    public:
+        explicit SlowPort(FakePort& port) : m_port(port) {}
+        void Read(void* buffer, int64_t address, int64_t length) override {
+            if (address >= 0x30 && ++m_reads % 3 == 0)
+                m_port.Put(address, {0});
+            m_port.Read(buffer, address, length);
+        }
+        void Write(const void* buffer, int64_t address, int64_t length) override {
+            m_port.Write(buffer, address, length);
+        }
+        EAccessMode GetAccessMode() const override { return RW; }
+
+    private:
+        FakePort& m_port;
+        int m_reads = 0;
+    } slow(camera.port);
+    camera.map._Connect(&slow);
+    EXPECT_EQ(Load(camera, "A\t5\n"), "");
+    EXPECT_EQ(camera.port.Bytes(0x30, 1), std::vector<int>{0});
+    EXPECT_EQ(camera.port.Bytes(0x40, 1), std::vector<int>{0});
+}
