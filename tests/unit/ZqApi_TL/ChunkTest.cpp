@@ -107,6 +107,23 @@ TEST_F(StreamChunks, OtherTransportsAreAskedWhereTheChunksLie) {
               (Calls{"DSGetBufferChunkData(DS1, BUF1, null)", "DSGetBufferChunkData(DS1, BUF1, 2)"}));
 }
 
+TEST_F(StreamChunks, EmptyListIsNoChunkData) {
+    StartAs("CXP");
+    AnswerChunkList({});
+    EXPECT_EQ(Timestamp(RetrieveNewFrame(ChunkFrame("image"))), -1);
+    EXPECT_EQ(producer.Log("DSGetBufferChunkData"), (Calls{"DSGetBufferChunkData(DS1, BUF1, null)"}));
+}
+
+TEST_F(StreamChunks, AttachingAnAttachedBufferChangesNothing) {
+    StartAs("CXP");
+    AnswerChunkList({{TIMESTAMP, 0, 8}});
+    const Buffer buffer = RetrieveNewFrame(ChunkFrame(Number(5, 8)));
+    const size_t asked = producer.Log("DSGetBufferChunkData").size();
+    dynamic_cast<IZqStreamBufferInside&>(*buffer).AttachChunkBuffer();
+    EXPECT_EQ(producer.Log("DSGetBufferChunkData").size(), asked);
+    EXPECT_EQ(Timestamp(buffer), 5);
+}
+
 TEST_F(StreamChunks, ListThatLiesIsNoChunkData) {
     StartAs("CXP");
     for (const SINGLE_CHUNK_DATA& chunk : {SINGLE_CHUNK_DATA{TIMESTAMP, 4089, 8},

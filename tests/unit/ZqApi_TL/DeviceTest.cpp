@@ -8,6 +8,13 @@
 namespace ZqTest {
 namespace {
 
+/// A description of nothing but these nodes.
+std::string DescribedAs(const std::string& nodes) {
+    return "<RegisterDescription ModelName=\"M\" VendorName=\"V\" SchemaMajorVersion=\"1\" "
+           "SchemaMinorVersion=\"1\">" +
+           nodes + "</RegisterDescription>";
+}
+
 class DeviceModule : public OpenedDevice {
 protected:
     explicit DeviceModule(const std::string& variant = "full") : OpenedDevice(variant) {}
@@ -283,6 +290,16 @@ TEST_F(DeviceModule, CameraWithoutStartCommandIsNamed) {
     EXPECT_EQ(RemoteInteger("TLParamsLocked")->GetValue(), 0);
 }
 
+TEST_F(DeviceModule, StartThatIsNoCommandIsNamed) {
+    producer.SetDescription("REMOTE", "camera.xml",
+                            DescribedAs("<Integer Name=\"TLParamsLocked\"><Value>0</Value></Integer><Integer "
+                                        "Name=\"AcquisitionStart\"><Value>0</Value>"
+                                        "</Integer><Port Name=\"Device\"/>"));
+    Open();
+    EXPECT_EQ(Catch<GenICam::RuntimeException>([&] { device->AcquisitionStart(); }).text,
+              "Node AcquisitionStart not found.");
+}
+
 TEST_F(DeviceModule, CameraWithoutStopCommandIsNamed) {
     producer.SetDescription("REMOTE", "camera.xml",
                             CameraDescription("<Integer Name=\"TLParamsLocked\"><Value>0</Value></Integer>"
@@ -318,6 +335,32 @@ TEST_F(DeviceModule, ProducerIsAskedToNotifyALoss) {
 TEST_F(DeviceModule, RefusedNotificationDoesNotMatter) {
     producer.Answer("GCWritePort").On("DEV").With(GC_ERR_ACCESS_DENIED);
     Open();
+    EXPECT_FALSE(device->IsDeviceLost());
+}
+
+TEST_F(DeviceModule, ProducerWithoutTheEntriesOfALossIsNotAsked) {
+    producer.SetDescription(
+        "DEV", "device.xml",
+        DescribedAs("<Enumeration Name=\"EventSelector\"><EnumEntry "
+                    "Name=\"Other\"><Value>0</Value></EnumEntry><pValue>Reg</pValue>"
+                    "</Enumeration><IntReg "
+                    "Name=\"Reg\"><Address>0x300</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+                    "<pPort>DevicePort</pPort></IntReg><Port Name=\"DevicePort\"/>"));
+    Open();
+    EXPECT_EQ(producer.Log("GCWritePort"), Calls{});
+    EXPECT_FALSE(device->IsDeviceLost());
+}
+
+TEST_F(DeviceModule, CameraWithoutAPortOfThatNameIsNotProbed) {
+    producer.SetDescription("REMOTE", "camera.xml", DescribedAs("<Port Name=\"Camera\"/>"));
+    Open();
+    EXPECT_FALSE(device->IsDeviceLost());
+}
+
+TEST_F(DeviceModule, InvalidationWithoutAnEventThreadIsNoLoss) {
+    producer.Answer("GCRegisterEvent").On("DEV").Event(EVENT_MODULE).With(GC_ERR_NOT_IMPLEMENTED);
+    Open();
+    device->GetLocalIZqPort()->GetINodeMap()->GetNode("EventDeviceLost")->InvalidateNode();
     EXPECT_FALSE(device->IsDeviceLost());
 }
 

@@ -198,6 +198,26 @@ TEST_F(RemoteEvents, IdMayBeANumber) {
     EXPECT_TRUE(arrived.Wait());
 }
 
+TEST_F(RemoteEvents, IdMayBeHexadecimalWithItsMark) {
+    OpenAs("U3V");
+    for (const char* const id : {"0x9C40", "0X9c40"}) {
+        PushItem(id);
+        EXPECT_TRUE(arrived.Wait()) << id;
+    }
+}
+
+TEST_F(RemoteEvents, IdOfAnotherTypeOrSizeIsNone) {
+    OpenAs("U3V");
+    for (const auto& [bytes, type] : {std::pair(Number(0x9C40, 8), int32_t{INFO_DATATYPE_FLOAT64}),
+                                      {Number(0x9C40, 16), INFO_DATATYPE_UINT64},
+                                      {std::string(), INFO_DATATYPE_UINT64}}) {
+        PushItem(bytes, type);
+        EXPECT_FALSE(arrived.Wait(20)) << type;
+    }
+    PushItem("9C40");
+    EXPECT_TRUE(arrived.Wait());
+}
+
 TEST_F(RemoteEvents, IdMayBeTheNumericOneAlone) {
     OpenAs("U3V");
     PushedEvent event;

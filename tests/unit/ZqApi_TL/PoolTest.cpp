@@ -1,3 +1,4 @@
+#include "ZqSDKCommon/IZqImageInside.h"
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
 
 namespace ZqTest {
@@ -327,6 +328,30 @@ TEST_F(Pool, TornDownBufferHasNoEventAndNoHandle) {
     EXPECT_NO_THROW(held->StopEventAcquisitionThread());
     EXPECT_DEATH(held->GetIZqStreamBufferInfo()->GetWidth(), "m_hStreamBuffer != NULL");
     EXPECT_DEATH(held->GetIZqImage(), "m_hStreamBuffer != NULL");
+}
+
+TEST_F(Pool, ImageOfATornDownBufferHasNoPixels) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    Start();
+    const Buffer held = RetrieveNewFrame();
+    IZqImage* const image = held->GetIZqImage();
+    Stop();
+    producer.SetPayloadSize(8192);
+    Start();
+    EXPECT_EQ(dynamic_cast<IZqImageInside*>(image)->GetReadableSize(), 0u);
+    EXPECT_DEATH(image->GetImageLinePitch(), "m_pCZqStreamBuffer->GetBufferHandle\\(\\) != NULL");
+    EXPECT_DEATH(image->GetImageBuffer(), "m_pCZqStreamBuffer->GetBufferHandle\\(\\) != NULL");
+    EXPECT_NO_THROW(Inside()->DeregisterStreamBuffer(held.get())); // it is out of the pool already
+}
+
+TEST_F(Pool, BufferThatCannotBeAnnouncedIsNotRegistered) {
+    std::vector<uint8_t> memory(100);
+    producer.Answer("DSAnnounceBuffer").With(GC_ERR_RESOURCE_EXHAUSTED);
+    EXPECT_EQ(CatchProducerError([&] {
+                  Inside()->RegisterStreamBuffer(memory.data(), memory.size(), this, 7);
+              }).error,
+              GC_ERR_RESOURCE_EXHAUSTED);
+    EXPECT_EQ(producer.Count("DSRevokeBuffer"), 0u);
 }
 
 TEST_F(Pool, HeldBufferMayBeReleasedWhileItIsRevoked) {

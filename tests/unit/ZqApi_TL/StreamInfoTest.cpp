@@ -137,6 +137,20 @@ TEST_F(StreamInfo, DescribesTheScriptedStream) {
     EXPECT_EQ(Info()->GetBufAnnounceMin(), 1u);
 }
 
+TEST_F(StreamInfo, SizeThatIsNoNumberIsNamed) {
+    stream.reset();
+    device.reset();
+    system.reset();
+    producer.SetDescription(
+        "REMOTE", "camera.xml",
+        "<RegisterDescription SchemaMajorVersion=\"1\"><String Name=\"PayloadSize\"><Value>x</Value>"
+        "</String><Port Name=\"Device\"/></RegisterDescription>");
+    OpenedStream::SetUp();
+    producer.Answer("DSGetInfo").Command(STREAM_INFO_PAYLOAD_SIZE).With(GC_ERR_NOT_IMPLEMENTED);
+    EXPECT_EQ(Catch<GenICam::RuntimeException>([&] { Info()->GetPayloadSize(); }).text,
+              "Node PayloadSize not found.");
+}
+
 class StreamBufferInfo : public OpenedStream {
 protected:
     void SetUp() override {

@@ -33,6 +33,9 @@ TEST(DescriptionUrl, NumbersAreHexadecimalWithOrWithoutPrefix) {
     EXPECT_EQ(ParseURLLocalAddress("local:a.xml;0XfF;2"), 0xFFu);
     EXPECT_EQ(ParseURLLocalAddress("local:a.xml; 10; 20"), 0x10u);
     EXPECT_EQ(ParseURLLocalLength("local:a.xml; 10; 20"), 0x20u);
+    EXPECT_EQ(ParseURLLocalAddress("local:a.xml;\t 10; 20"), 0x10u);
+    EXPECT_EQ(ParseURLLocalAddress("local:a.xml;0F;1"), 0xFu);
+    EXPECT_EQ(ParseURLLocalAddress("local:a.xml;1g;1"), 0x1u);
 }
 
 TEST(DescriptionUrl, MissingNumbersAreZero) {
@@ -41,6 +44,8 @@ TEST(DescriptionUrl, MissingNumbersAreZero) {
     EXPECT_EQ(ParseURLLocalAddress("local:a.xml;;20"), 0u);
     EXPECT_EQ(ParseURLLocalLength("local:a.xml;;20"), 0x20u);
     EXPECT_EQ(ParseURLLocalLength("local:a.xml;1;-5"), 0u);
+    EXPECT_EQ(ParseURLLocalLength("local:a.xml;1; "), 0u);
+    EXPECT_EQ(ParseURLLocalLength("local:a.xml;1;0"), 0u);
 }
 
 TEST(DescriptionUrl, NumbersSaturate) {
@@ -75,6 +80,17 @@ TEST(XmlFile, NothingLoadedHasNoNameAndIsNotSaved) {
     EXPECT_EQ(text([&] { file.GetXMLFileName(); }), "XML File is not loaded.");
     EXPECT_EQ(text([&] { file.SaveToFile("/tmp/never-written.xml"); }), "XML File is not loaded.");
     EXPECT_EQ(file.GetNodeMap(), nullptr);
+}
+
+TEST(XmlFile, NothingCreatedHasNoPartsEither) {
+    CZqXMLFile file(nullptr, nullptr, GenApi::RW, "Test");
+    GenApi::CNodeMapRef part;
+    file.CreateSubTreeNodeMap("Root", part, true);
+    EXPECT_EQ(part._Ptr, nullptr);
+    file.CreateNodeMapFactoryForChunkData("Root", true);
+    EXPECT_FALSE(file.HasFactoryForChunkData());
+    file.CreateSubTreeNodeMapForChunkData(part);
+    EXPECT_EQ(part._Ptr, nullptr);
 }
 
 } // namespace

@@ -79,6 +79,24 @@ TEST(Format, WrongKindsPrintSomethingAndCrashNothing) {
     EXPECT_EQ(Format("%c%c", 'o', 'k'), "ok");
 }
 
+TEST(Format, EveryConversion) {
+    EXPECT_EQ(Format("%i", 5), "5");
+    EXPECT_EQ(Format("%o", 8), "10");
+    EXPECT_EQ(Format("%X", 255), "FF");
+    EXPECT_EQ(Format("%.1e|%.1E|%.1f|%.1F", 1.5, 1.5, 1.5, 1.5), "1.5e+00|1.5E+00|1.5|1.5");
+    EXPECT_EQ(Format("%g|%G", 0.5, 1e-10), "0.5|1E-10");
+}
+
+TEST(Format, EveryKindServesEveryConversion) {
+    int object = 0;
+    EXPECT_EQ(Format("0x%I64x", static_cast<void*>(&object)), Printed(&object));
+    EXPECT_EQ(Format("%.1f", uint8_t{200}), "200.0");
+    EXPECT_EQ(Format("%.1f", int8_t{-100}), "-100.0");
+    EXPECT_EQ(Format("%.2f", 2.25), "2.25");
+    EXPECT_EQ(Format("%u", 2.6), "3");
+    EXPECT_EQ(Format("0x%p", uint32_t{16}), "0x0x10");
+}
+
 TEST(Format, ResultMayBeLong) {
     EXPECT_EQ(Format("%s!", std::string(5000, 'x')), std::string(5000, 'x') + "!");
 }

@@ -177,6 +177,8 @@ TEST_F(ImageBufferTest, SizesBeyondSixtyFourBitsAreRefusedBeforeAnythingIsReleas
     EXPECT_EQ(text(size_t{1} << 62, 1, ZqPixelFormat_Mono16, 0), "");       // bits of a line
     EXPECT_EQ(text((size_t{1} << 61) - 1, 1, ZqPixelFormat_BGRa16, 0), ""); // the same, not a power of two
     EXPECT_EQ(text(9, 2, ZqPixelFormat_Mono8, SIZE_MAX), "");               // an aligned line, twice
+    EXPECT_EQ(text(9, 1, ZqPixelFormat_RGB8_Planar, SIZE_MAX), "");         // an aligned line, three planes
+    EXPECT_EQ(text(SIZE_MAX / 10, 1, ZqPixelFormat_Mono10p, 0), "");        // bits of a line in whole bytes
     EXPECT_EQ(text(1, size_t{1} << 62, ZqPixelFormat_Mono8, 4), "");        // lines
     EXPECT_EQ(text(size_t{1} << 58, 22, ZqPixelFormat_RGB8_Planar, 0), ""); // planes and lines
 }

@@ -51,6 +51,20 @@ void WaitUntil(const std::function<bool()>& condition) {
 
 } // namespace
 
+TEST(Worker, WithoutANameKeepsThatOfWhoStartedIt) {
+    char own[32] = {};
+    pthread_getname_np(pthread_self(), own, sizeof own);
+    std::string name;
+    Worker worker(nullptr, [&](Worker&) {
+        char text[32] = {};
+        pthread_getname_np(pthread_self(), text, sizeof text);
+        name = text;
+    });
+    worker.Start();
+    worker.Stop();
+    EXPECT_EQ(name, own);
+}
+
 TEST(Worker, StopWithoutStartDoesNothing) {
     Worker worker;
     worker.Stop();
