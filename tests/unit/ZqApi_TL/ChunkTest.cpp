@@ -276,6 +276,22 @@ TEST_F(StreamChunks, ImageFallsBackToThem) {
     EXPECT_EQ(image->GetImageLinePitch(), 1280u);
 }
 
+TEST_F(StreamChunks, FormatThatIsNoEnumerationIsNone) {
+    std::string text(20000, '\0');
+    producer.ReadRegister("REMOTE1", 0x10000, text.data(), text.size());
+    text = text.c_str();
+    const std::string name = "Name=\"ChunkPixelFormat\"";
+    text.replace(text.find(name), name.size(), "Name=\"Other\"");
+    text.insert(text.find("<Port Name"), "<Integer " + name + "><Value>17301505</Value></Integer>");
+    producer.SetDescription("REMOTE", "camera.xml", text);
+    StartAs("U3V");
+    Frame frame = StampedFrame(1);
+    frame.Fails(BUFFER_INFO_PIXELFORMAT, GC_ERR_NOT_AVAILABLE);
+    const Buffer buffer = RetrieveNewFrame(frame);
+    EXPECT_EQ(CatchProducerError([&] { buffer->GetIZqImage()->GetImagePixelFormat(); }).error,
+              GC_ERR_NOT_AVAILABLE);
+}
+
 TEST_F(StreamChunks, ImageFallsBackToNothingWhereTheyAreMissing) {
     StartAs("U3V");
     const Buffer buffer = RetrieveNewFrame(StampedFrame(1)

@@ -1,4 +1,5 @@
 #include "ZqApi_TL/ZqStreamBufferImage.h"
+#include "ZqSDKCommon/ZqROIImage.h"
 #include "tests/support/AllocationFailure.h"
 #include "tests/support/ImageBuffers.h"
 #include "tests/unit/ZqApi_TL/OpenedStream.h"
@@ -144,6 +145,28 @@ TEST_F(StreamImage, FormatIsTheLowHalfOfItsValue) {
 
 TEST_F(StreamImage, OtherInterfacesKeepTheFormatOfAnyNamespace) {
     EXPECT_EQ(static_cast<uint32_t>(Image(Format(0x101, 0))->GetImagePixelFormat()), 0x101u);
+}
+
+TEST_F(StreamImage, InterfaceIsAskedForOnce) {
+    IZqImage* const image = Image(Format(0x101, 0));
+    image->GetImagePixelFormat();
+    producer.ClearLog();
+    EXPECT_EQ(static_cast<uint32_t>(image->GetImagePixelFormat()), 0x101u);
+    EXPECT_EQ(producer.Log("IFGetInfo"), Calls{});
+}
+
+using ImageWithoutMemory = OpenedStream;
+
+TEST_F(ImageWithoutMemory, HasNoPixels) {
+    producer.Answer("DSGetBufferInfo").Command(BUFFER_INFO_BASE).Value<void*>(nullptr);
+    Start();
+    const Buffer buffer = RetrieveNewFrame();
+    IZqImage* const image = buffer->GetIZqImage();
+    EXPECT_EQ(image->GetImageBuffer(), nullptr);
+    IZqImage* const view = image->GetROIImage(8, 2, 16, 4);
+    EXPECT_EQ(view->GetImageBuffer(), nullptr);
+    EXPECT_EQ(ReadableSizeOf(*image), 0u);
+    EXPECT_EQ(ReadableSizeOf(*view), 0u);
 }
 
 TEST_F(StreamImage, NamespaceBeyondItsRangeStopsTheProcess) {

@@ -1,10 +1,12 @@
 #include "Camera.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace GenICam;
@@ -123,6 +125,10 @@ TEST_F(Cache, DamagedFilesAreIgnoredAndRewritten) {
         damaged.push_back(good);
         damaged.back()[place] ^= 1;
     }
+    for (size_t place = 7; place < 64; place += 8) { // the high end of each field
+        damaged.push_back(good);
+        damaged.back()[place] = 0x7F;
+    }
     damaged.push_back(good);
     damaged.back().back() ^= 0x80;
     for (const std::string& content : damaged) {
@@ -167,6 +173,60 @@ TEST_F(Cache, ClearRemovesOnlyItsOwnFiles) {
     ASSERT_EQ(Files().size(), 1u);
     EXPECT_EQ(Files()[0].filename(), "notes.txt");
     EXPECT_FALSE(Factory(Xml(640), CacheUsage_Automatic).IsPreprocessed());
+}
+
+TEST_F(Cache, WhatCannotBeRemovedIsTold) {
+    Open(Xml(640));
+    for (const char* const name : {"a.zqgenapi", "z.zqgenapi"}) {
+        fs::create_directories(m_folder / name);
+        Replace(m_folder / name / "inside", "x");
+    }
+    EXPECT_FALSE(CNodeMapFactory::ClearCache());
+    EXPECT_EQ(Files().size(), 2u);
+}
+
+TEST_F(Cache, FileThatCannotTakeItsNameIsLeftOut) {
+    Open(Xml(640));
+    const fs::path name = Files()[0];
+    fs::remove(name);
+    fs::create_directories(name / "inside");
+    EXPECT_EQ(Failure<RuntimeException>([] { Open(Xml(640), CacheUsage_ForceWrite); }),
+              "The description can't be written to the folder of GENICAM_CACHE_V3_0.");
+    EXPECT_EQ(Width(Open(Xml(640))), 640);
+    EXPECT_EQ(Files().size(), 1u); // nothing unfinished stays
+}
+
+TEST_F(Cache, FullDeviceKeepsNothing) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    for (const rlim_t room : {rlim_t{0}, rlim_t{64}, rlim_t{1000}}) { // for no header, no image, a part of it
+        const rlimit limit{room, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        const int64_t width = Width(Open(Xml(640)));
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(width, 640);
+        EXPECT_TRUE(Files().empty()) << room;
+    }
+    std::signal(SIGXFSZ, handler);
+}
+
+TEST_F(Cache, EmptyNameIsNoFolder) {
+    setenv("GENICAM_CACHE_V3_0", "", 1);
+    EXPECT_EQ(Width(Open(Xml(640))), 640);
+    EXPECT_FALSE(CNodeMapFactory::ClearCache());
+    EXPECT_TRUE(Files().empty());
+}
+
+TEST_F(Cache, WhatIsMergedWithAPartIsNotKept) {
+    CNodeMapFactory target =
+        Factory(Describe(::Node("Integer", "Other", "<Value>1</Value>")), CacheUsage_Automatic);
+    CNodeMapFactory whole = Factory(Xml(640), CacheUsage_Ignore);
+    CNodeMapFactory part = whole.ExtractSubtree("Width");
+    const size_t before = Files().size();
+    target.AddInjectionData(part);
+    EXPECT_EQ(Width(CNodeMapRef(target.CreateNodeMap())), 640);
+    EXPECT_EQ(Files().size(), before + 1); // the target alone
 }
 
 TEST_F(Cache, OpenMapsOutliveTheirFile) {

@@ -384,6 +384,7 @@ TEST(Callbacks, OfNoNodeAreRefused) {
               refusal);
     EXPECT_EQ(Failure<InvalidArgumentException>([&] { camera.Node("R")->RegisterCallback(nullptr); }),
               "No callback for node 'R'.");
+    Register(camera.Node("R"), fixed, &Client::OnChangeConst);
     const CallbackHandleType handle = Register(camera.Node("R"), client, &Client::OnChange);
     EXPECT_FALSE(camera.Node("Other")->DeregisterCallback(handle));
     EXPECT_TRUE(camera.Node("R")->DeregisterCallback(handle));

@@ -217,6 +217,8 @@ TEST(EventPackets, ACallbackThatThrowsKeepsNobodyFromTheNextItem) {
     Register(listener.camera.Node("P9000"), [](INode*) { throw RUNTIME_EXCEPTION("first"); });
     const std::string text = Failure<RuntimeException>([&] { listener.Gev(kEventTwice); });
     EXPECT_EQ(text, "first");
+    Register(listener.camera.Node("P9000"), [](INode*) { throw RUNTIME_EXCEPTION("second"); });
+    EXPECT_EQ(Failure<RuntimeException>([&] { listener.Gev(kEventTwice); }), "first");
     EXPECT_EQ(listener.heard.size(), 2u);
 }
 

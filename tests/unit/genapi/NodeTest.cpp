@@ -329,3 +329,45 @@ TEST(Category, IsNoPlaceForValues) {
     EXPECT_TRUE(camera.Node("A")->IsFeature());
     EXPECT_FALSE(camera.Node("Root")->IsFeature());
 }
+
+TEST(Node, PredicatesTakeEveryKindOfPointer) {
+    Camera camera(Integer("A", "<Value>1</Value>") +
+                  Integer("Never", "<pIsImplemented>No</pIsImplemented><Value>1</Value>") +
+                  Integer("No", "<Visibility>Guru</Visibility><Value>0</Value>") +
+                  IntReg("Fresh", 0, 4, "<Cachable>NoCache</Cachable>"));
+    EXPECT_TRUE(IsImplemented(camera.Int("A")) && IsAvailable(camera.Int("A")) &&
+                IsReadable(camera.Int("A")) && IsWritable(camera.Int("A")));
+    EXPECT_FALSE(IsImplemented(camera.Int("Never")) || IsAvailable(camera.Int("Never")) ||
+                 IsReadable(camera.Int("Never")) || IsWritable(camera.Int("Never")));
+    EXPECT_TRUE(IsVisible(camera.Int("No"), Guru));
+    EXPECT_FALSE(IsVisible(camera.Int("No"), Expert));
+    EXPECT_FALSE(IsVisible(CIntegerPtr(), Guru));
+    EXPECT_TRUE(IsCacheable(camera.Int("A")));
+    EXPECT_FALSE(IsCacheable(camera.Int("Fresh")));
+    EXPECT_FALSE(IsCacheable(CIntegerPtr()));
+    const IBase* const none = nullptr;
+    EXPECT_FALSE(IsVisible(none, Guru) || IsCacheable(none));
+}
+
+TEST(NodeMapRef, KeepsItsMapWhenAssignedToItself) {
+    Camera camera(Integer("A", "<Value>1</Value>"));
+    const CNodeMapRef& same = camera.map;
+    camera.map = same;
+    EXPECT_EQ(camera.Int("A")->GetValue(), 1);
+}
+
+TEST(NodeMap, FormulaFailuresNeedNoList) {
+    Camera good(Integer("A", "<Value>1</Value>"));
+    EXPECT_TRUE(good.map._Ptr->ParseSwissKnifes());
+    Camera bad(::Node("IntSwissKnife", "K", "<Formula>1+</Formula>"));
+    EXPECT_FALSE(bad.map._Ptr->ParseSwissKnifes());
+}
+
+TEST(Node, TableElementsOutsideNumbersMeanNothing) {
+    Camera camera(::Node("Boolean", "B",
+                         "<Value>1</Value><ValueDefault>0</ValueDefault><ValueIndexed Index=\"1\">0"
+                         "</ValueIndexed><pIndex>B</pIndex>") +
+                  ::Node("Float", "F", "<Value>1</Value><DisplayPrecision>3</DisplayPrecision>"));
+    EXPECT_TRUE(camera.Bool("B")->GetValue());
+    EXPECT_EQ(camera.Float("F")->GetDisplayPrecision(), 3);
+}
