@@ -2,7 +2,8 @@
 //
 //   bench_simulator [seconds of the last figure, 5 unless given]
 //
-// Four figures: how long listing 256 cameras takes, how much of a picture a core draws, how many of the
+// Four figures: how long listing 256 cameras takes, how much of a picture a core draws (of every test
+// pattern, and of pictures of a folder, also reversed, binned and through a tone curve), how many of the
 // smallest frames one camera delivers, and how many frames are lost when 16 cameras stream at 30 frames a
 // second. Each has its results checked first, and the program ends with 1 when one is not reached.
 
@@ -10,11 +11,15 @@
 #include "tests/unit/producer/Functions.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -44,7 +49,7 @@ const Functions& gentl = Producer();
 bool allReached = true;
 
 void Report(const char* what, double figure, const char* unit, double bound, bool reached) {
-    std::printf("%-46s %12.3f %-10s (%s %g)\n", what, figure, unit,
+    std::printf("%-58s %12.3f %-10s (%s %g)\n", what, figure, unit,
                 reached ? "reached:" : "NOT REACHED:", bound);
     allReached = allReached && reached;
 }
@@ -110,52 +115,96 @@ void ListMany() {
 constexpr uint32_t width = 4096;
 constexpr uint32_t height = 3072;
 
+struct Sensor {
+    uint32_t width;
+    uint32_t height;
+};
+
+/// Red, green and blue.
+using Colour = std::array<uint32_t, 3>;
+
+Colour Grey(uint32_t level) {
+    return {level, level, level};
+}
+
 struct Pattern {
     zqgentl::TestPattern pattern;
     const char* name;
-    uint32_t (*level)(uint32_t x, uint32_t y, uint32_t t);
+    Colour (*level)(uint32_t x, uint32_t y, uint32_t t, Sensor sensor);
 };
 
 /// What each pattern shows in eight bits, worked out pixel by pixel; noise only has to use every level.
-constexpr Pattern patterns[] = {
+const Pattern patterns[] = {
     {zqgentl::TestPattern::GreyDiagonalRampMoving, "GreyDiagonalRampMoving",
-     [](uint32_t x, uint32_t y, uint32_t t) { return (x + y + t) & 255; }},
+     [](uint32_t x, uint32_t y, uint32_t t, Sensor) { return Grey((x + y + t) & 255); }},
     {zqgentl::TestPattern::GreyHorizontalRampMoving, "GreyHorizontalRampMoving",
-     [](uint32_t x, uint32_t, uint32_t t) { return (x + t) & 255; }},
+     [](uint32_t x, uint32_t, uint32_t t, Sensor) { return Grey((x + t) & 255); }},
     {zqgentl::TestPattern::GreyVerticalRampMoving, "GreyVerticalRampMoving",
-     [](uint32_t, uint32_t y, uint32_t t) { return (y + t) & 255; }},
-    {zqgentl::TestPattern::White, "White", [](uint32_t, uint32_t, uint32_t) { return 255U; }},
+     [](uint32_t, uint32_t y, uint32_t t, Sensor) { return Grey((y + t) & 255); }},
+    {zqgentl::TestPattern::White, "White", [](uint32_t, uint32_t, uint32_t, Sensor) { return Grey(255); }},
     {zqgentl::TestPattern::HorizontalLineMoving, "HorizontalLineMoving",
-     [](uint32_t, uint32_t y, uint32_t t) { return y == t % height ? 255U : 0U; }},
+     [](uint32_t, uint32_t y, uint32_t t, Sensor sensor) { return Grey(y == t % sensor.height ? 255 : 0); }},
     {zqgentl::TestPattern::VerticalLineMoving, "VerticalLineMoving",
-     [](uint32_t x, uint32_t, uint32_t t) { return x == t % width ? 255U : 0U; }},
+     [](uint32_t x, uint32_t, uint32_t t, Sensor sensor) { return Grey(x == t % sensor.width ? 255 : 0); }},
     {zqgentl::TestPattern::ColorBarMoving, "ColorBarMoving",
-     [](uint32_t x, uint32_t, uint32_t t) {
-         constexpr uint32_t luma[] = {255, 225, 178, 149, 105, 76, 29, 0};
-         return luma[(x + t) % width * 8 / width];
+     [](uint32_t x, uint32_t, uint32_t t, Sensor sensor) {
+         // White, yellow, cyan, green, magenta, red, blue, black.
+         const uint32_t bar = (x + t) % sensor.width * 8 / sensor.width;
+         return Colour{(bar & 2) == 0 ? 255U : 0U, (bar & 4) == 0 ? 255U : 0U, (bar & 1) == 0 ? 255U : 0U};
      }},
     {zqgentl::TestPattern::ColorRampMoving, "ColorRampMoving",
-     [](uint32_t x, uint32_t y, uint32_t t) {
-         return (299 * ((x + t) & 255) + 587 * ((y + t) & 255) + 114 * ((x + y + t) & 255)) / 1000;
+     [](uint32_t x, uint32_t y, uint32_t t, Sensor) {
+         return Colour{(x + t) & 255, (y + t) & 255, (x + y + t) & 255};
      }},
     {zqgentl::TestPattern::NoiseMoving, "NoiseMoving", nullptr},
     {zqgentl::TestPattern::FrameCounter, "FrameCounter",
-     [](uint32_t x, uint32_t, uint32_t t) { return x < 256 && ((t >> (x / 8)) & 1) != 0 ? 255U : 0U; }},
+     [](uint32_t x, uint32_t, uint32_t t, Sensor) {
+         return Grey(x < 256 && ((t >> (x / 8)) & 1) != 0 ? 255 : 0);
+     }},
 };
 
-void CheckPicture(const Pattern& pattern, const std::vector<uint8_t>& image, uint32_t t) {
-    if (pattern.level == nullptr) {
-        const std::set<uint8_t> levels(image.begin(), image.begin() + width);
-        Require(levels.size() == 256, pattern.name);
-        return;
+/// How the camera looks at a scene. Of a pixel of the picture, the one of the scene that it shows.
+struct View {
+    const char* name;
+    uint32_t binning;
+    bool reverseX;
+    bool reverseY;
+    zqgentl::ToneSettings tone;
+
+    [[nodiscard]] Sensor OfSensor() const { return {width * binning, height * binning}; }
+    [[nodiscard]] uint32_t X(uint32_t x) const {
+        return reverseX ? width * binning - 1 - x * binning : x * binning;
     }
-    bool right = true;
-    for (uint32_t y = 0; y < height; ++y) {
-        for (uint32_t x = 0; x < width; ++x)
-            right = right && image[size_t{y} * width + x] == pattern.level(x, y, t);
+    [[nodiscard]] uint32_t Y(uint32_t y) const {
+        return reverseY ? height * binning - 1 - y * binning : y * binning;
     }
-    Require(right, pattern.name);
+    /// Of pictures of a folder, which are resized to the region.
+    [[nodiscard]] uint32_t XOf(uint32_t x, uint32_t of) const {
+        return (reverseX ? width - 1 - x : x) * of / width;
+    }
+    [[nodiscard]] uint32_t YOf(uint32_t y, uint32_t of) const {
+        return (reverseY ? height - 1 - y : y) * of / height;
+    }
+};
+
+zqgentl::ToneSettings Tone(double gamma, bool lut) {
+    zqgentl::ToneSettings tone;
+    tone.gamma = gamma;
+    tone.lutEnable = lut ? 1 : 0;
+    for (size_t i = 0; i < tone.lut.size(); ++i)
+        tone.lut[i] = static_cast<uint8_t>(255 - i);
+    return tone;
 }
+
+const View straight{"", 1, false, false, Tone(1, false)};
+const View views[] = {
+    {", reversed in x", 1, true, false, Tone(1, false)},
+    {", reversed in both", 1, true, true, Tone(1, false)},
+    {", binned 2 x 2", 2, false, false, Tone(1, false)},
+    {", binned and reversed", 2, true, true, Tone(1, false)},
+    {", with a gamma", 1, false, false, Tone(0.5, false)},
+    {", with a table", 1, false, false, Tone(1, true)},
+};
 
 /// Time that this thread has had a processor.
 double ProcessorSeconds() {
@@ -164,15 +213,24 @@ double ProcessorSeconds() {
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-/// Gigabytes that one thread draws in a second of its processor.
-double DrawingSpeed(const Pattern& pattern) {
+zqgentl::Scene SceneOf(zqgentl::TestPattern pattern, const View& view) {
     zqgentl::Scene scene;
-    scene.pattern = pattern.pattern;
+    scene.pattern = pattern;
     scene.region = {0, 0, width, height};
-    scene.sensorWidth = width;
-    scene.sensorHeight = height;
+    scene.sensorWidth = width * view.binning;
+    scene.sensorHeight = height * view.binning;
+    scene.binningX = scene.binningY = view.binning;
+    scene.reverseX = view.reverseX;
+    scene.reverseY = view.reverseY;
+    return scene;
+}
+
+/// Gigabytes that one thread draws in a second of its processor. `check` gets the picture and its number.
+template <class CheckImage>
+double DrawingSpeed(const zqgentl::Scene& scene, const View& view, CheckImage check) {
     const zqgentl::PixelFormat& mono8 =
         *zqgentl::FindPixelFormat(zqgentl::Technology::Usb3Vision, 0x01080001);
+    const zqgentl::ToneCurve tone = MakeToneCurve(view.tone);
     zqgentl::Painter painter;
     std::vector<uint8_t> image(size_t{width} * height);
     double best = 0;
@@ -181,19 +239,118 @@ double DrawingSpeed(const Pattern& pattern) {
         constexpr int frames = 20;
         const double begin = ProcessorSeconds();
         for (int frame = 0; frame < frames; ++frame)
-            painter.Draw(scene, mono8, nullptr, ++t, image.data(), image.size());
+            painter.Draw(scene, mono8, tone, ++t, image.data(), image.size());
         const double gigabytes = frames * static_cast<double>(image.size()) / 1e9;
         best = std::max(best, gigabytes / (ProcessorSeconds() - begin));
-        CheckPicture(pattern, image, t);
+        check(image, t);
     }
     return best;
 }
 
-void DrawPictures() {
-    for (const Pattern& pattern : patterns) {
-        const double speed = DrawingSpeed(pattern);
-        Report((std::string("Mono8 drawn: ") + pattern.name).c_str(), speed, "GB/s", 2, speed > 2);
+/// Compares every pixel with what `level` says of the scene's.
+template <class Level>
+void CheckImage(const std::vector<uint8_t>& image, const View& view, const char* name, Level level) {
+    const zqgentl::ToneCurve tone = MakeToneCurve(view.tone);
+    uint32_t toned[256];
+    for (uint32_t i = 0; i < 256; ++i)
+        toned[i] = tone == nullptr ? i : (*tone)[i * 257] >> 8;
+    bool right = true;
+    for (uint32_t y = 0; y < height; ++y) {
+        for (uint32_t x = 0; x < width; ++x) {
+            const Colour c = level(x, y);
+            const uint32_t luma = (299 * toned[c[0]] + 587 * toned[c[1]] + 114 * toned[c[2]]) / 1000;
+            right = right && image[size_t{y} * width + x] == luma;
+        }
     }
+    Require(right, std::string(name) + view.name);
+}
+
+void DrawPattern(const Pattern& pattern, const View& view) {
+    const double speed = DrawingSpeed(
+        SceneOf(pattern.pattern, view), view, [&](const std::vector<uint8_t>& image, uint32_t t) {
+            if (pattern.level == nullptr) {
+                const std::set<uint8_t> levels(image.begin(), image.begin() + width);
+                Require(levels.size() > (view.tone.gamma == 1 ? 255 : 127), pattern.name);
+                return;
+            }
+            CheckImage(image, view, pattern.name, [&](uint32_t x, uint32_t y) {
+                return pattern.level(view.X(x), view.Y(y), t, view.OfSensor());
+            });
+        });
+    const double bound = &view == &straight ? 2 : 1;
+    Report((std::string("Mono8 drawn: ") + pattern.name + view.name).c_str(), speed, "GB/s", bound,
+           speed > bound);
+}
+
+/// A folder with one picture, which goes with it.
+class Folder {
+public:
+    enum class Kind { Grey, Colour };
+    Folder(Kind kind, uint32_t pictureWidth, uint32_t pictureHeight)
+        : m_grey(kind == Kind::Grey), m_width(pictureWidth), m_height(pictureHeight) {
+        char path[] = "/tmp/bench-simulator-XXXXXX";
+        Require(mkdtemp(path) != nullptr, "no folder can be made");
+        m_path = path;
+        std::ofstream file(m_path + "/picture.ppm", std::ios::binary);
+        file << "P6 " << m_width << ' ' << m_height << " 255\n";
+        for (uint32_t y = 0; y < m_height; ++y) {
+            for (uint32_t x = 0; x < m_width; ++x) {
+                for (uint32_t colour = 0; colour < 3; ++colour)
+                    file.put(static_cast<char>(Value(x, y, colour)));
+            }
+        }
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    ~Folder() { std::filesystem::remove_all(m_path); }
+
+    [[nodiscard]] const std::string& Path() const { return m_path; }
+    [[nodiscard]] uint32_t Width() const { return m_width; }
+    [[nodiscard]] uint32_t Height() const { return m_height; }
+    [[nodiscard]] Colour At(uint32_t x, uint32_t y) const {
+        return {Value(x, y, 0), Value(x, y, 1), Value(x, y, 2)};
+    }
+
+private:
+    [[nodiscard]] uint32_t Value(uint32_t x, uint32_t y, uint32_t colour) const {
+        return (m_grey ? x * 3 + y * 7 : x * (3 + colour) + y * 7 + colour * 31) & 255;
+    }
+
+    bool m_grey;
+    uint32_t m_width;
+    uint32_t m_height;
+    std::string m_path;
+};
+
+void DrawFolder(const Folder& folder, const char* name, const View& view, double bound) {
+    zqgentl::Scene scene = SceneOf(zqgentl::TestPattern::Picture, view);
+    scene.pictures = std::make_shared<zqgentl::PictureFolder>(folder.Path());
+    const double speed = DrawingSpeed(scene, view, [&](const std::vector<uint8_t>& image, uint32_t) {
+        CheckImage(image, view, name, [&](uint32_t x, uint32_t y) {
+            return folder.At(view.XOf(x, folder.Width()), view.YOf(y, folder.Height()));
+        });
+    });
+    Report((std::string("Mono8 drawn: ") + name + view.name).c_str(), speed, "GB/s", bound, speed > bound);
+}
+
+void DrawPictures() {
+    for (const Pattern& pattern : patterns)
+        DrawPattern(pattern, straight);
+    for (const View& view : views) {
+        for (const Pattern& pattern : patterns)
+            DrawPattern(pattern, view);
+    }
+    const Folder small(Folder::Kind::Colour, 1000, 750);
+    const Folder grey(Folder::Kind::Grey, width, height);
+    const Folder colour(Folder::Kind::Colour, width, height);
+    const auto drawAll = [&](const View& view) {
+        DrawFolder(small, "picture of 1000 x 750", view, 1);
+        DrawFolder(grey, "grey picture of the same size", view, 1);
+        DrawFolder(colour, "colour picture of the same size", view, 0.2);
+    };
+    drawAll(straight);
+    for (const View& view : views)
+        drawAll(view);
 }
 
 /// An open camera that streams into buffers of its own.

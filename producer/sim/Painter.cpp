@@ -15,9 +15,8 @@ uint32_t Widen(uint32_t value, uint32_t bits) {
     return bits >= 8 ? value << shift | value >> (bits - shift) : value * 65535 / ((1U << bits) - 1);
 }
 
-void ApplyTone(const std::vector<uint16_t>& curve, uint32_t bits, uint16_t* values, size_t count) {
-    for (size_t i = 0; i < count; ++i)
-        values[i] = static_cast<uint16_t>(curve[Widen(values[i], bits)] >> (16 - bits));
+uint16_t ToneOf(const std::vector<uint16_t>& curve, uint32_t bits, uint32_t value) {
+    return static_cast<uint16_t>(curve[Widen(value, bits)] >> (16 - bits));
 }
 
 bool IsSingleByte(const PixelFormat& format) {
@@ -31,8 +30,11 @@ ColourLine Painter::Look(const Scene& scene, const PixelFormat& format, const To
     const size_t width = scene.region.width;
     m_values.resize(3 * width);
     const ColourLine line = LookAt(scene, frameId, row, format.bits, m_values.data());
-    if (tone != nullptr)
-        ApplyTone(*tone, format.bits, m_values.data(), line.Grey() ? width : 3 * width);
+    if (tone == nullptr)
+        return line;
+    const size_t count = line.Grey() ? width : 3 * width;
+    for (size_t i = 0; i < count; ++i)
+        m_values[i] = format.bits <= 8 ? m_levels[m_values[i]] : ToneOf(*tone, format.bits, m_values[i]);
     return line;
 }
 
@@ -54,6 +56,12 @@ void Painter::DrawLine(const Scene& scene, const PixelFormat& format, const Tone
         values = m_mixed.data();
     }
     PackSingle(format, values, width, target);
+}
+
+/// The few levels of a format with short values, each looked up once a picture.
+void Painter::PrepareLevels(const PixelFormat& format, const ToneCurve& tone) {
+    for (uint32_t level = 0; level < 1U << format.bits; ++level)
+        m_levels[level] = static_cast<uint8_t>(ToneOf(*tone, format.bits, level));
 }
 
 bool Painter::DrawPeriod(const Scene& scene, const PixelFormat& format, const ToneCurve& tone,
@@ -80,7 +88,10 @@ size_t Painter::Draw(const Scene& scene, const PixelFormat& format, const ToneCu
     const uint32_t planes = format.Planes();
     const size_t lineSize = size_t{scene.region.width} * format.BitsPerPixel() / 8 / planes;
     const size_t total = std::min(size, lineSize * planes * scene.region.height);
-    const bool copied = IsSingleByte(format) && tone == nullptr;
+    const bool copied = IsSingleByte(format);
+    if (tone != nullptr && format.bits <= 8)
+        PrepareLevels(format, tone);
+    const ByteLevels* const levels = tone == nullptr ? nullptr : &m_levels;
     size_t drawn = 0;
     for (uint32_t line = 0; drawn < total; ++line) {
         const uint32_t row = line % scene.region.height;
@@ -91,7 +102,12 @@ size_t Painter::Draw(const Scene& scene, const PixelFormat& format, const ToneCu
             drawn += count;
             continue;
         }
-        if (copied && CopyGreyLine(scene, frameId, row, target + drawn, count)) {
+        if (planes == 1 && !format.Bayer() && RepeatsLineBefore(scene, frameId, row)) {
+            std::memcpy(target + drawn, target + drawn - lineSize, count);
+            drawn += count;
+            continue;
+        }
+        if (copied && CopyGreyLine(scene, frameId, row, levels, target + drawn, count)) {
             drawn += count;
             continue;
         }

@@ -22,6 +22,8 @@ private:
     void DrawLine(const Scene& scene, const PixelFormat& format, const ToneCurve& tone, uint64_t frameId,
                   uint32_t row, uint8_t* target);
 
+    void PrepareLevels(const PixelFormat& format, const ToneCurve& tone);
+
     /// Draws a line that consists of equal pieces by drawing one; false for every other.
     bool DrawPeriod(const Scene& scene, const PixelFormat& format, const ToneCurve& tone, uint64_t frameId,
                     uint32_t row, uint8_t* target);
@@ -29,6 +31,7 @@ private:
     std::vector<uint16_t> m_values;
     std::vector<uint16_t> m_mixed;
     std::vector<uint8_t> m_line;
+    ByteLevels m_levels{};
 };
 
 } // namespace zqgentl

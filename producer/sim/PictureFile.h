@@ -14,6 +14,7 @@ struct PictureFile {
     std::vector<uint16_t> red;
     std::vector<uint16_t> green;
     std::vector<uint16_t> blue;
+    bool grey = false; ///< the others are like red, and may be missing
 };
 
 /// Pictures that are larger than this on a side are refused.

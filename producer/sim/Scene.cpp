@@ -1,34 +1,8 @@
 #include "producer/sim/Scene.h"
 
-#include "producer/sim/Bytes.h"
-
-#include <algorithm>
-#include <array>
-#include <cstring>
+#include "producer/sim/SceneParts.h"
 
 namespace zqgentl {
-
-namespace {
-
-constexpr size_t rampLevels = 256;
-constexpr size_t rampSize = rampLevels + 8192;
-
-constexpr std::array<uint8_t, rampSize> MakeRamp() {
-    std::array<uint8_t, rampSize> ramp{};
-    for (size_t i = 0; i < rampSize; ++i)
-        ramp[i] = static_cast<uint8_t>(i);
-    return ramp;
-}
-
-// A line of a ramp is a piece of this one, so drawing it is a copy.
-constexpr std::array<uint8_t, rampSize> ramp = MakeRamp();
-
-/// The sensor's pixels that a line of the picture shows: the first, and the way to the next.
-struct Walk {
-    uint64_t x;
-    int64_t step;
-    uint64_t y;
-};
 
 Walk WalkOf(const Scene& scene, uint32_t row) {
     Walk walk{};
@@ -43,6 +17,25 @@ Walk WalkOf(const Scene& scene, uint32_t row) {
         walk.y = scene.sensorHeight - 1 - walk.y;
     return walk;
 }
+
+bool Moves(TestPattern pattern) {
+    switch (pattern) {
+    case TestPattern::GreyDiagonalRamp:
+    case TestPattern::GreyHorizontalRamp:
+    case TestPattern::GreyVerticalRamp:
+    case TestPattern::ColorBar:
+    case TestPattern::Noise:
+        return false;
+    default:
+        return true;
+    }
+}
+
+uint64_t NoiseOf(const Scene& scene, uint64_t y, uint64_t time) {
+    return Hash((uint64_t{scene.seed} << 32 | (y & 0xFFFFFFFF)) ^ (time << 17));
+}
+
+namespace {
 
 /// Fills a row of values from a function of the sensor's column. Numbers of 32 bits are enough for columns,
 /// and let a compiler work on several at once.
@@ -76,49 +69,6 @@ uint32_t BarAt(uint64_t x, uint32_t width) {
     return bars[x % width * 8 / width];
 }
 
-uint64_t Hash(uint64_t number) {
-    number ^= number >> 33;
-    number *= 0xFF51AFD7ED558CCDULL;
-    number ^= number >> 33;
-    number *= 0xC4CEB9FE1A85EC53ULL;
-    return number ^ (number >> 33);
-}
-
-constexpr uint32_t hashBytes = 8;
-
-/// What the noise of a line follows from.
-uint64_t NoiseOf(const Scene& scene, uint64_t y, uint64_t time) {
-    return Hash((uint64_t{scene.seed} << 32 | (y & 0xFFFFFFFF)) ^ (time << 17));
-}
-
-/// A hash is the noise of eight pixels that lie together on the sensor.
-uint8_t NoiseAt(uint64_t line, uint32_t x) {
-    return static_cast<uint8_t>(Hash(line + x / hashBytes) >> (8 * (x % hashBytes)));
-}
-
-void CopyNoise(uint64_t line, uint64_t x, uint8_t* target, size_t count) {
-    size_t done = 0;
-    for (; done < count && (x + done) % hashBytes != 0; ++done)
-        target[done] = NoiseAt(line, static_cast<uint32_t>(x + done));
-    for (; done + hashBytes <= count; done += hashBytes)
-        StoreBytes(target + done, Hash(line + (x + done) / hashBytes), hashBytes, ByteOrder::Little);
-    for (; done < count; ++done)
-        target[done] = NoiseAt(line, static_cast<uint32_t>(x + done));
-}
-
-bool Moves(TestPattern pattern) {
-    switch (pattern) {
-    case TestPattern::GreyDiagonalRamp:
-    case TestPattern::GreyHorizontalRamp:
-    case TestPattern::GreyVerticalRamp:
-    case TestPattern::ColorBar:
-    case TestPattern::Noise:
-        return false;
-    default:
-        return true;
-    }
-}
-
 ColourLine ColourRamp(uint16_t* room, const Scene& scene, const Walk& walk, uint64_t time, uint32_t mask) {
     uint16_t* green = room + scene.region.width;
     uint16_t* blue = green + scene.region.width;
@@ -128,31 +78,6 @@ ColourLine ColourRamp(uint16_t* room, const Scene& scene, const Walk& walk, uint
     Fill(green, scene, walk, [=](uint32_t) { return green0 & mask; });
     Fill(blue, scene, walk, [=](uint32_t x) { return (x + green0) & mask; });
     return {room, green, blue};
-}
-
-/// The line of a picture that falls on a line of the region, each value from the nearest pixel.
-ColourLine PictureLine(uint16_t* room, const Scene& scene, uint64_t frameId, uint32_t row, uint32_t bits) {
-    const PictureFile& picture = scene.pictures->Of(frameId);
-    const uint32_t width = scene.region.width;
-    const uint32_t line = scene.reverseY ? scene.region.height - 1 - row : row;
-    const size_t start = uint64_t{line} * picture.height / scene.region.height * picture.width;
-    uint16_t* lines[] = {room, room + width, room + 2 * size_t{width}};
-    // The source of a column is column * picture.width / width, here without its division.
-    const uint32_t whole = picture.width / width;
-    const uint32_t rest = picture.width % width;
-    size_t source = start;
-    uint32_t part = 0;
-    for (uint32_t column = 0; column < width; ++column) {
-        const uint32_t x = scene.reverseX ? width - 1 - column : column;
-        lines[0][x] = static_cast<uint16_t>(picture.red[source] >> (16 - bits));
-        lines[1][x] = static_cast<uint16_t>(picture.green[source] >> (16 - bits));
-        lines[2][x] = static_cast<uint16_t>(picture.blue[source] >> (16 - bits));
-        part += rest;
-        const bool carries = part >= width;
-        source += whole + (carries ? 1 : 0);
-        part -= carries ? width : 0;
-    }
-    return {lines[0], lines[1], lines[2]};
 }
 
 } // namespace
@@ -232,40 +157,6 @@ bool LevelsRepeat(TestPattern pattern) {
     case TestPattern::GreyDiagonalRampMoving:
     case TestPattern::GreyDiagonalRamp:
     case TestPattern::ColorRampMoving:
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool CopyGreyLine(const Scene& scene, uint64_t frameId, uint32_t row, uint8_t* target, size_t count) {
-    if (scene.binningX != 1 || scene.reverseX)
-        return false;
-    const Walk walk = WalkOf(scene, row);
-    const uint64_t t = Moves(scene.pattern) ? frameId : 0;
-    switch (scene.pattern) {
-    case TestPattern::GreyDiagonalRampMoving:
-    case TestPattern::GreyDiagonalRamp:
-        std::memcpy(target, &ramp[(walk.x + walk.y + t) % rampLevels], count);
-        return true;
-    case TestPattern::GreyHorizontalRampMoving:
-    case TestPattern::GreyHorizontalRamp:
-        std::memcpy(target, &ramp[(walk.x + t) % rampLevels], count);
-        return true;
-    case TestPattern::GreyVerticalRampMoving:
-    case TestPattern::GreyVerticalRamp:
-        std::memset(target, static_cast<uint8_t>(walk.y + t), count);
-        return true;
-    case TestPattern::Black:
-    case TestPattern::White:
-        std::memset(target, scene.pattern == TestPattern::White ? 255 : 0, count);
-        return true;
-    case TestPattern::HorizontalLineMoving:
-        std::memset(target, walk.y == t % scene.sensorHeight ? 255 : 0, count);
-        return true;
-    case TestPattern::Noise:
-    case TestPattern::NoiseMoving:
-        CopyNoise(NoiseOf(scene, walk.y, t), walk.x, target, count);
         return true;
     default:
         return false;

@@ -2,6 +2,7 @@
 
 #include "producer/sim/PictureFolder.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -73,7 +74,15 @@ bool LinesRepeat(TestPattern pattern);
 /// Whether a line begins anew after as many pixels as there are levels.
 bool LevelsRepeat(TestPattern pattern);
 
+/// What becomes of each level of eight bits.
+using ByteLevels = std::array<uint8_t, 256>;
+
 /// Draws a line of bytes, one a pixel, where that is no more than copying; false for every other scene.
-bool CopyGreyLine(const Scene& scene, uint64_t frameId, uint32_t row, uint8_t* target, size_t count);
+/// Without levels they stay as they are.
+bool CopyGreyLine(const Scene& scene, uint64_t frameId, uint32_t row, const ByteLevels* levels,
+                  uint8_t* target, size_t count);
+
+/// Whether a line shows the same as the one before it, because the picture has fewer of them.
+bool RepeatsLineBefore(const Scene& scene, uint64_t frameId, uint32_t row);
 
 } // namespace zqgentl
