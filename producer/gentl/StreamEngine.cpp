@@ -175,9 +175,11 @@ void StreamEngine::Stop(GenTL::ACQ_STOP_FLAGS flags) {
 }
 
 void StreamEngine::DeliverUnfinished() {
-    FrameInfo frame = m_currentFrame;
-    frame.incomplete = true;
-    m_current->SetFrame(frame);
+    if (!m_currentWhole) {
+        FrameInfo frame = m_currentFrame;
+        frame.incomplete = true;
+        m_current->SetFrame(frame);
+    }
     Deliver(*m_current);
     m_wake.notify_one();
 }

@@ -146,6 +146,7 @@ private:
     uint64_t m_remaining = 0;
     BufferModule* m_current = nullptr; // taken by the thread
     FrameInfo m_currentFrame;          // what is known of its frame before it is delivered
+    bool m_currentWhole = false;       // it has been written, and only its event is still to be sent
     std::atomic<BufferHandling> m_handling{BufferHandling::OldestFirst};
     Painter m_painter;
     bool m_beginning = false;             // a frame has its id, and no buffer yet

@@ -174,6 +174,7 @@ void StreamEngine::Write(Lock& lock, BufferModule& buffer, const FrameTicket& ti
     Fill(buffer, ticket, timestampNs);
     lock.lock();
     m_writing = false;
+    m_currentWhole = true;
     m_settled.notify_all();
     if (SendMeanwhile(lock, EventKind::FrameEnd, buffer, ticket, timestampNs))
         Finish(lock, buffer, ticket);
@@ -202,6 +203,7 @@ void StreamEngine::Finish(Lock& lock, BufferModule& buffer, const FrameTicket& t
     if (delay.count() != 0) {
         // What a kill delivers in its stead.
         m_currentFrame = DescribeFrame(ticket, buffer.Frame().timestampNs);
+        m_currentWhole = false;
         const auto taken = [&] { return m_quit || m_current != &buffer; };
         if (m_wake.wait_until(lock, Clock::now() + delay, taken))
             return;
@@ -240,6 +242,7 @@ BufferModule& StreamEngine::TakeNext() {
     }
     m_pool.Move(*buffer, Place::Filling);
     m_current = buffer;
+    m_currentWhole = false;
     return *buffer;
 }
 

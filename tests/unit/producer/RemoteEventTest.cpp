@@ -1,5 +1,7 @@
 #include "ProducerTest.h"
 
+#include <set>
+
 namespace {
 
 namespace selector {
@@ -250,4 +252,28 @@ TEST_F(RemoteEvents, TemperatureRisesWhileAcquiringAndIsInvalidated) {
     Start();
     EXPECT_STREQ(Data(Receive(), EVENT_DATA_ID, INFO_DATATYPE_STRING).c_str(), "DeviceTemperature");
     EXPECT_GT(temperature(), before);
+}
+
+TEST_F(RemoteEvents, FrameWhoseEndWasToldIsNotIncompleteAfterAKill) {
+    OpenWith(u3vInterface);
+    Notify(selector::FrameEnd);
+    const auto buffers = Announce(4, 64);
+    for (int round = 0; round < 200; ++round) {
+        ASSERT_EQ(gentl.DSFlushQueue(stream, ACQ_QUEUE_ALL_TO_INPUT), GC_ERR_SUCCESS);
+        ASSERT_EQ(gentl.DSFlushQueue(stream, ACQ_QUEUE_UNQUEUED_TO_INPUT), GC_ERR_SUCCESS);
+        ASSERT_EQ(gentl.EventFlush(event), GC_ERR_SUCCESS);
+        Start();
+        Receive();
+        ASSERT_EQ(gentl.DSStopAcquisition(stream, ACQ_STOP_FLAGS_KILL), GC_ERR_SUCCESS);
+        ASSERT_EQ(WriteInt(camera::AcquisitionStop, 1), GC_ERR_SUCCESS);
+        std::set<uint64_t> ended{0};
+        for (std::string bytes = Receive(0); !bytes.empty(); bytes = Receive(0))
+            ended.insert(Number(Parse(bytes).value, 12, 8, false));
+        while (const BUFFER_HANDLE buffer = Next(0)) {
+            const auto id = BufferInfo<uint64_t>(buffer, BUFFER_INFO_FRAMEID);
+            const bool whole = !BufferInfo<bool8_t>(buffer, BUFFER_INFO_IS_INCOMPLETE);
+            EXPECT_EQ(whole, ended.count(id) != 0) << id << " in round " << round;
+            EXPECT_EQ(BufferInfo<size_t>(buffer, BUFFER_INFO_SIZE_FILLED), whole ? 64U : 0U);
+        }
+    }
 }
