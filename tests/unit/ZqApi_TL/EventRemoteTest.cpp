@@ -209,7 +209,7 @@ TEST_F(RemoteEvents, IdMayBeHexadecimalWithItsMark) {
 TEST_F(RemoteEvents, IdOfAnotherTypeOrSizeIsNone) {
     OpenAs("U3V");
     for (const auto& [bytes, type] : {std::pair(Number(0x9C40, 8), int32_t{INFO_DATATYPE_FLOAT64}),
-                                      {Number(0x9C40, 16), INFO_DATATYPE_UINT64},
+                                      {Number(0x9C40, 8) + Number(0, 8), INFO_DATATYPE_UINT64},
                                       {std::string(), INFO_DATATYPE_UINT64}}) {
         PushItem(bytes, type);
         EXPECT_FALSE(arrived.Wait(20)) << type;
