@@ -116,6 +116,8 @@ private:
     /// Called without the lock.
     void Fill(BufferModule& buffer, const FrameTicket& ticket, uint64_t timestampNs);
     void Expose(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
+    /// Waits for a buffer as long as this thread was late itself.
+    void MakeUpForDelay(Lock& lock, const FrameTicket& ticket, Clock::time_point exposed);
     /// Begins a frame; the buffer for it, or null where there is none to fill.
     BufferModule* BeginExposure(Lock& lock, FrameTicket& ticket, Clock::time_point exposed);
     BufferModule& TakeNext();

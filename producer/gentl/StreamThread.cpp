@@ -125,6 +125,17 @@ void StreamEngine::TriggeredFrame(Lock& lock, FrameTicket& ticket) {
         Expose(lock, ticket, m_due);
 }
 
+void StreamEngine::MakeUpForDelay(Lock& lock, const FrameTicket& ticket, Clock::time_point exposed) {
+    // The host has had less time to give buffers back than the camera would have left it: a thread that was
+    // held up makes the frames that are overdue in one go. Less than a period for each lets it catch up even
+    // if none comes.
+    const Clock::time_point now = Clock::now();
+    const auto patience = std::min<Clock::duration>(now - exposed, ticket.plan.period * 3 / 4);
+    m_threadIdle = true;
+    m_wake.wait_until(lock, now + patience, [this] { return m_quit || !m_running || MayTake(); });
+    m_threadIdle = false;
+}
+
 BufferModule* StreamEngine::BeginExposure(Lock& lock, FrameTicket& ticket, Clock::time_point exposed) {
     lock.unlock();
     const bool begun = m_camera.BeginFrame(ticket);
@@ -133,10 +144,12 @@ BufferModule* StreamEngine::BeginExposure(Lock& lock, FrameTicket& ticket, Clock
     lock.lock();
     if (!begun)
         return nullptr;
+    const bool dropped = ticket.plan.faults.Drops(ticket.frameId);
+    if (!dropped)
+        MakeUpForDelay(lock, ticket, exposed);
     m_wake.wait(lock, [this] { return m_quit || m_pauses == 0; });
     if (m_quit)
         return nullptr;
-    const bool dropped = ticket.plan.faults.Drops(ticket.frameId);
     if (dropped || !MayTake()) {
         m_counters.underrun += dropped ? 0 : 1;
         lock.unlock();

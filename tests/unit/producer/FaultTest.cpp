@@ -266,3 +266,31 @@ TEST_F(Faults, LostInterfaceTakesItsCamerasAlong) {
     EXPECT_EQ(gentl.TLGetNumInterfaces(system, &count), GC_ERR_SUCCESS);
     EXPECT_EQ(count, 3U);
 }
+
+/// What a camera that was held up makes in one go finds buffers, as its host has had no time to return them.
+TEST_F(Faults, FramesThatAreOverdueWaitForTheirHost) {
+    MakePaced(100, 100);
+    ASSERT_EQ(WriteInt(camera::LateEvery, 50), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::LateTime, 400), GC_ERR_SUCCESS);
+    Queue(Announce(2, 64));
+    Start();
+    for (uint64_t id = 0; id < 89;) {
+        const BUFFER_HANDLE buffer = Next();
+        ASSERT_NE(buffer, nullptr);
+        id = BufferInfo<uint64_t>(buffer, BUFFER_INFO_FRAMEID);
+        Queue({buffer});
+    }
+    EXPECT_LT(StreamInfo<uint64_t>(STREAM_INFO_NUM_UNDERRUN), 10U); // of 40 that were overdue
+}
+
+/// A host that returns none doesn't hold them up for good.
+TEST_F(Faults, FramesThatAreOverdueAreLostWithoutAHost) {
+    MakePaced(100, 100);
+    ASSERT_EQ(WriteInt(camera::LateEvery, 2), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::LateTime, 200), GC_ERR_SUCCESS);
+    Queue(Announce(2, 64));
+    const auto before = std::chrono::steady_clock::now();
+    Start();
+    ASSERT_TRUE(Eventually([&] { return StreamInfo<uint64_t>(STREAM_INFO_NUM_UNDERRUN) >= 60; }));
+    EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(600));
+}
