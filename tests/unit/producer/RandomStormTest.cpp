@@ -165,6 +165,10 @@ uint64_t Caller::Address() {
                                       0xA00,
                                       0xA04,
                                       0x80C,
+                                      0x820,
+                                      0x740,
+                                      0x74C,
+                                      0x588,
                                       0x304,
                                       0x100000};
     if (m_dice.OneIn(400))
