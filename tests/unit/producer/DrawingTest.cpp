@@ -105,6 +105,17 @@ private:
     std::filesystem::path m_path;
 };
 
+/// Its picture in 64 x 48 pixels.
+Scene SceneOf(const Folder& folder) {
+    Scene scene;
+    scene.pattern = TestPattern::Picture;
+    scene.region = {0, 0, 64, 48};
+    scene.sensorWidth = 64;
+    scene.sensorHeight = 48;
+    scene.pictures = folder.Read();
+    return scene;
+}
+
 void ExpectNearest(const Folder& folder, const Scene& scene) {
     const std::vector<uint8_t> image = Draw(scene, "RGB8");
     bool right = true;
@@ -141,12 +152,7 @@ TEST(Drawing, OfAFolderShowsTheNearestPixels) {
         for (const auto& [pictureWidth, pictureHeight] :
              {std::pair{40U, 30U}, {64U, 48U}, {100U, 7U}, {1U, 1U}}) {
             const Folder folder(pictureWidth, pictureHeight, grey);
-            Scene scene;
-            scene.pattern = TestPattern::Picture;
-            scene.region = {0, 0, 64, 48};
-            scene.sensorWidth = 64;
-            scene.sensorHeight = 48;
-            scene.pictures = folder.Read();
+            Scene scene = SceneOf(folder);
             for (const int reverse : {0, 1, 2, 3}) {
                 SCOPED_TRACE(std::to_string(pictureWidth) + (grey ? " grey " : " colour ") +
                              std::to_string(reverse));
@@ -160,12 +166,7 @@ TEST(Drawing, OfAFolderShowsTheNearestPixels) {
 
 TEST(Drawing, OfAGreyPictureHasEveryColour) {
     const Folder folder(64, 48, true);
-    Scene scene;
-    scene.pattern = TestPattern::Picture;
-    scene.region = {0, 0, 64, 48};
-    scene.sensorWidth = 64;
-    scene.sensorHeight = 48;
-    scene.pictures = folder.Read();
+    const Scene scene = SceneOf(folder);
     const std::vector<uint8_t> mono = Draw(scene, "Mono8");
     EXPECT_EQ(mono[64 + 2], folder.At(2, 1, 0));
     EXPECT_EQ(Draw(scene, "BayerRG8"), mono);
@@ -177,12 +178,7 @@ TEST(Drawing, OfAGreyPictureHasEveryColour) {
 
 TEST(Drawing, OfAMosaicKeepsItsTwoLines) {
     const Folder folder(64, 12, false); // every line four times
-    Scene scene;
-    scene.pattern = TestPattern::Picture;
-    scene.region = {0, 0, 64, 48};
-    scene.sensorWidth = 64;
-    scene.sensorHeight = 48;
-    scene.pictures = folder.Read();
+    const Scene scene = SceneOf(folder);
     const std::vector<uint8_t> image = Draw(scene, "BayerRG8");
     for (uint32_t y = 0; y < 48; ++y) {
         for (uint32_t x = 0; x < 64; ++x) {
