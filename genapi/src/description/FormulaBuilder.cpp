@@ -159,8 +159,7 @@ bool FormulaBuilder::ReadProperty(std::string_view suffix, VariableReference& re
     const NodeDescription& target = m_description.nodes[reference.node];
     if (dot != suffix.npos && (kind == "Entry" || kind == "Enum") && target.type == NodeType::Enumeration)
         for (const NodeIndex entry : target.entries)
-            if (m_description.nodes[entry].entry &&
-                m_description.nodes[entry].entry->symbolic == suffix.substr(dot + 1)) {
+            if (m_description.nodes[entry].entry->symbolic == suffix.substr(dot + 1)) {
                 reference.property = Property::Constant;
                 reference.constant = m_description.nodes[entry].entry->value;
                 return true;

@@ -344,6 +344,17 @@ TEST_F(Pool, ImageOfATornDownBufferHasNoPixels) {
     EXPECT_NO_THROW(Inside()->DeregisterStreamBuffer(held.get())); // it is out of the pool already
 }
 
+TEST_F(Pool, KeptBufferOfUnknownStateMayBeQueuedButNothingElse) {
+    Start();
+    Stop();
+    producer.Answer("DSGetBufferInfo").Command(BUFFER_INFO_IS_QUEUED).With(GC_ERR_NOT_AVAILABLE);
+    producer.Answer("DSQueueBuffer").With(GC_ERR_RESOURCE_IN_USE);
+    EXPECT_NO_THROW(Start());
+    Stop();
+    producer.Answer("DSQueueBuffer").With(GC_ERR_IO);
+    EXPECT_EQ(CatchProducerError([this] { Start(); }).text, "-1010 = DSQueueBuffer(PTR, PTR)");
+}
+
 TEST_F(Pool, BufferThatCannotBeAnnouncedIsNotRegistered) {
     std::vector<uint8_t> memory(100);
     producer.Answer("DSAnnounceBuffer").With(GC_ERR_RESOURCE_EXHAUSTED);

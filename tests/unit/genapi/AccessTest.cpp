@@ -200,6 +200,7 @@ TEST(Access, ReasonsReachTheNodeThatDecided) {
         "<pPort>Device</pPort></IntReg><IntReg Name=\"OffWo\"><pIndex "
         "pOffset=\"Wo\">I</pIndex><Length>4</Length>"
         "<AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>" +
+        IntReg("WoAtI", 16, 4, "<AccessMode>WO</AccessMode><pIndex Offset=\"4\">I</pIndex>") +
         ::Node("Command", "C", "<pValue>Rw</pValue><CommandValue>1</CommandValue>") +
         ::Node("Command", "OverRo", "<pValue>Ro</pValue><CommandValue>1</CommandValue>") +
         Feature("OverC", "<pValue>C</pValue>") +
@@ -223,6 +224,7 @@ TEST(Access, ReasonsReachTheNodeThatDecided) {
     EXPECT_EQ(whyNotRead("AtWo"),
               "Node 'AtWo' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
     EXPECT_EQ(camera.Mode("OffWo"), NA);
+    EXPECT_EQ(whyNotRead("WoAtI"), "Node 'WoAtI' is not readable: its register is WO (access mode WO).");
     EXPECT_EQ(whyNotRead("OverC"),
               "Node 'OverC' is not readable: 'C' is not readable, it is a command (access mode WO).");
     EXPECT_EQ(camera.Mode("OverRo"), NA);

@@ -84,6 +84,11 @@ TEST(DescriptionText, ArchiveMayStandBehindAHeader) {
     EXPECT_EQ(ToolTip("HEADER" + Zip({{"cam.xml", WithToolTip("stored")}}, ZIP_CM_STORE)), "stored");
 }
 
+TEST(DescriptionText, SignsOfAnArchiveAloneAreNone) {
+    EXPECT_NE(Refusal("HEADER" + std::string("PK\x03\x04 and nothing else", 22)).find("not well-formed XML"),
+              std::string::npos);
+}
+
 TEST(DescriptionText, ArchiveMayEndInAComment) {
     std::string zip = Zip({{"cam.xml", WithToolTip("x")}});
     Patch(zip, zip.size() - 2, std::string("\x05\0", 2));

@@ -158,6 +158,7 @@ TEST(Formula, WholeNumbersWrapWhereTheyEnd) {
     EXPECT_EQ(Float("4**0.5"), 2.0);
     EXPECT_EQ(Float("1+0.5"), 1.5);
     EXPECT_EQ(Float("1<1.5"), 1.0);
+    EXPECT_EQ(Float("1.5<1"), 0.0);
     EXPECT_EQ(Integer("(2<=2)+(3<=2)+(3>=2)+(2>=3)"), 2);
     EXPECT_EQ(Integer("1e30"), INT64_MAX);
     EXPECT_EQ(Integer("-1e30"), -INT64_MAX);
@@ -170,7 +171,7 @@ TEST(Formula, SpellingsOfNumbersAndBlanks) {
     EXPECT_EQ(Float("1e-2"), 0.01);
     EXPECT_EQ(Float("9223372036854775808"), 9223372036854775808.0);
     Camera camera("<IntSwissKnife Name=\"K\"><Constant Name=\"_c\">5</Constant>"
-                  "<Formula>1&#9;+&#10;2&#13;+&#11;_c&#12;</Formula></IntSwissKnife>");
+                  "<Formula>1&#9;+&#10;2&#13;+&#11;_c&#12;+0</Formula></IntSwissKnife>");
     EXPECT_EQ(camera.Int("K")->GetValue(), 8);
 }
 
@@ -179,6 +180,7 @@ TEST(Formula, RefusalsNameTheirPlace) {
                                                             {"0xz", "bad number at position 0"},
                                                             {"2e", "bad number at position 0"},
                                                             {"1+.", "unexpected character at position 2"},
+                                                            {"1+.x", "unexpected character at position 2"},
                                                             {"1 $", "unexpected character at position 2"},
                                                             {"FOO(1)", "unexpected text at position 3"},
                                                             {"(1", "')' expected at position 2"},

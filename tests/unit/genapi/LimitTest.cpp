@@ -37,6 +37,13 @@ TEST(Limits, OfFloatsAreWholeNumbersInside) {
     EXPECT_EQ(camera.Int("Over")->GetMax(), 2);
 }
 
+TEST(Limits, OfCopiesOfAnotherKindNarrowThem) {
+    Camera camera(Integer("I", "<pValue>R</pValue><pValueCopy>F</pValueCopy>") + IntReg("R", 0, 1) +
+                  Float("F", "<Value>0</Value><Min>0.5</Min><Max>2.5</Max>"));
+    EXPECT_EQ(camera.Int("I")->GetMin(), 1);
+    EXPECT_EQ(camera.Int("I")->GetMax(), 2);
+}
+
 TEST(Limits, OfBooleansAndEnumerationsAreThoseOfTheirValues) {
     Camera camera(
         Integer("OverB", "<pValue>B</pValue>") + Integer("OverE", "<pValue>E</pValue>") +

@@ -117,6 +117,7 @@ TEST(SelectorSet, TickChoosesTheNextElseThePresentOneAgain) {
     Camera camera(Selector("S", 0, Selects("X")) + IntReg("X", 8));
     CSelectorSet set(camera.Node("X"));
     EXPECT_FALSE(set.SetNext(false)); // none chosen yet
+    EXPECT_FALSE(set.SetNext());
     ASSERT_TRUE(set.SetFirst());
     camera.Value("S")->FromString("C");
     EXPECT_TRUE(set.SetNext(false));
@@ -357,7 +358,7 @@ TEST(SelectorSet, EveryKindOfSelectorIsWalked) {
     Camera camera(
         ::Node("Boolean", "B", "<Value>0</Value>" + Selects("X")) +
         ::Node("Integer", "List", "<Value>1</Value><ValidValueSet>1;5</ValidValueSet>" + Selects("X")) +
-        ::Node("Float", "F", "<Value>0.5</Value>") +
+        ::Node("Float", "F", "<Value>0.5</Value>" + Selects("X")) +
         ::Node("Integer", "Wide", "<Value>9</Value>" + Selects("X")) +
         ::Node("Integer", "Empty", "<Value>4</Value><Min>6</Min><Max>5</Max>" + Selects("X")) +
         IntReg("X", 8));
@@ -365,9 +366,9 @@ TEST(SelectorSet, EveryKindOfSelectorIsWalked) {
     std::vector<std::string> seen;
     for (bool more = set.SetFirst(); more; more = set.SetNext())
         seen.push_back(set.ToString().c_str());
-    EXPECT_EQ(seen,
-              (std::vector<std::string>{"B=0, List=1, Wide=9, Empty=4", "B=0, List=5, Wide=9, Empty=4",
-                                        "B=1, List=1, Wide=9, Empty=4", "B=1, List=5, Wide=9, Empty=4"}));
+    EXPECT_EQ(seen, (std::vector<std::string>{
+                        "B=0, List=1, F=0.5, Wide=9, Empty=4", "B=0, List=5, F=0.5, Wide=9, Empty=4",
+                        "B=1, List=1, F=0.5, Wide=9, Empty=4", "B=1, List=5, F=0.5, Wide=9, Empty=4"}));
     EXPECT_FALSE(set.SetNext(false)); // it has ended
 }
 
