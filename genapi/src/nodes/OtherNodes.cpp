@@ -56,7 +56,8 @@ std::string HexBytes(const gcstring& text) {
         const int high = HexDigit(digits[i]);
         const int low = HexDigit(digits[i + 1]);
         good = high >= 0 && low >= 0;
-        bytes += static_cast<char>(high << 4 | low);
+        if (good)
+            bytes += static_cast<char>(high << 4 | low);
     }
     if (!good)
         throw INVALID_ARGUMENT_EXCEPTION("'%s' is no sequence of hexadecimal bytes.", text.c_str());
