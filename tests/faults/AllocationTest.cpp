@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <set>
 
 #include <sys/wait.h>
@@ -72,11 +73,11 @@ TEST_P(FailingAllocationIn, TheApplicationsThreadIsReportedAsBadAlloc) {
         uint64_t tried = 0;
         // Evenly over the step, whose number of allocations is found by going beyond it.
         const auto failOnce = [&](uint64_t n) {
-            std::unique_ptr<FailingAllocation> failing;
+            std::optional<FailingAllocation> failing;
             runs.onStep = [&, n](const char* begins) {
                 const bool failed = failing && failing->Failed();
                 if (step == begins)
-                    failing = std::make_unique<FailingAllocation>(n);
+                    failing.emplace(n);
                 else if (failing && !failed)
                     failing.reset();
             };
@@ -88,6 +89,7 @@ TEST_P(FailingAllocationIn, TheApplicationsThreadIsReportedAsBadAlloc) {
             if (failed) {
                 runs.CountFault();
                 EXPECT_EQ(Judge(GetParam(), step, outcome), "") << GetParam().name << ", " << what;
+                runs.RunHealthy(what);
             }
             return failed;
         };
@@ -96,7 +98,6 @@ TEST_P(FailingAllocationIn, TheApplicationsThreadIsReportedAsBadAlloc) {
         const uint64_t stride = total > wanted ? total / wanted : 1;
         for (uint64_t n = 1; n <= total; n += stride)
             tried += failOnce(n) ? 1 : 0;
-        runs.RunHealthy("failing allocations of step '" + step + "'");
         std::cout << GetParam().name << ", " << step << ": " << tried << " of " << total << " allocations\n";
     }
 }
@@ -106,10 +107,11 @@ TEST_P(FailingAllocationIn, AThreadOfTheLibraryCostsAnEventAtMost) {
     runs.RunHealthy("nothing");
     uint64_t n = 1;
     for (bool failed = true; failed; ++n) {
-        FailingAllocation failing(n, Threads::Others);
+        std::optional<FailingAllocation> failing(std::in_place, n, Threads::Others);
         const std::string what = "allocation " + std::to_string(n) + " of event threads";
         const Outcome outcome = runs.Run(what);
-        failed = failing.Failed();
+        failed = failing->Failed();
+        failing.reset();
         if (failed)
             runs.CountFault();
         const bool reported =
@@ -117,8 +119,8 @@ TEST_P(FailingAllocationIn, AThreadOfTheLibraryCostsAnEventAtMost) {
         EXPECT_EQ(outcome.failure.kind, "")
             << GetParam().name << ", " << what << ": " << outcome.failure.text;
         EXPECT_TRUE(reported) << GetParam().name << ", " << what << ": " << outcome.inCallback.kind;
+        runs.RunHealthy(what);
     }
-    runs.RunHealthy("failing allocations of event threads");
     EXPECT_GT(n, 10u);
 }
 

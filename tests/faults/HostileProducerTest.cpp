@@ -132,8 +132,8 @@ TEST_P(LyingProducer, IsSurvivedWhateverItsAnswersHold) {
             LieOnce(n, lies[(n * 3 + i) % lies.size()]);
         if (HasFatalFailure())
             return;
+        m_Runs.RunHealthy("lies of call " + std::to_string(n + 1) + ", " + m_Recorded.calls[n]);
     }
-    m_Runs.RunHealthy("all lies");
 }
 
 // Handles that have become stale: from some call on the producer refuses every one.
@@ -154,8 +154,8 @@ TEST_P(LyingProducer, MayRefuseEveryCallFromAnyOneOn) {
         m_Runs.looksAtWhatIsOpen = true;
         const FailedCall call{m_Recorded.calls[n], m_Recorded.stepOfCall[n], true, false};
         EXPECT_EQ(JudgeLie(m_Recorded, call, outcome), "") << GetParam().name << ", " << what;
+        m_Runs.RunHealthy(what);
     }
-    m_Runs.RunHealthy("stale handles");
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, LyingProducer, testing::ValuesIn(ways), NameOf);

@@ -20,6 +20,17 @@ size_t LastingThreads() {
     return ThreadCount();
 }
 
+uint64_t AllocationsOf(const Outcome& outcome) {
+    const size_t inside = std::string().capacity();
+    uint64_t count = 0;
+    for (const std::string* text :
+         {&outcome.step, &outcome.locksHeld, &outcome.failure.kind, &outcome.failure.text,
+          &outcome.failure.function, &outcome.inCallback.kind, &outcome.inCallback.text,
+          &outcome.inCallback.function})
+        count += text->capacity() > inside ? 1 : 0;
+    return count;
+}
+
 } // namespace
 
 LeftOpen LeftOpenBy(const std::string& function) {
@@ -53,17 +64,25 @@ Outcome Runs::Run(const std::string& what, const std::function<void()>& arrange,
                   const std::function<LeftOpen()>& leftOpen) {
     Producer().Resolve<decltype(&Zqsp_Reset)>("Zqsp_Reset")();
     Producer().Resolve<decltype(&Zqsp_KeepScript)>("Zqsp_KeepScript")(1);
-    Scenario scenario(m_Way, Producer());
-    scenario.patienceMs = patienceMs;
-    scenario.onStep = onStep;
-    scenario.Prepare();
     ++m_Runs;
     Outcome outcome;
+    uint64_t live = LiveAllocations();
     {
+        Scenario scenario(m_Way, Producer());
+        scenario.patienceMs = patienceMs;
+        scenario.onStep = onStep;
+        scenario.Prepare();
         const AllocationLimit limit(largestAllocation);
+        const uint64_t before = LiveAllocations();
         if (arrange)
             arrange();
+        live += LiveAllocations() - before; // what the caller keeps
         outcome = scenario.Run();
+    }
+    // The first runs build what there is once in a process.
+    if (m_Runs > 2) {
+        EXPECT_EQ(LiveAllocations() - AllocationsOf(outcome), live)
+            << m_Way.name << ", " << what << ": memory is left";
     }
     Check(what, outcome, leftOpen ? leftOpen() : LeftOpen());
     return outcome;
@@ -83,8 +102,7 @@ void Runs::Check(const std::string& what, const Outcome& outcome, const LeftOpen
 
 void Runs::RunHealthy(const std::string& after) {
     const std::string what = "healthy run after " + after;
-    const Outcome outcome = Run(what);
-    EXPECT_EQ(JudgeHealthy(m_Way, outcome), "") << m_Way.name << ", " << what;
+    EXPECT_EQ(JudgeHealthy(m_Way, Run(what)), "") << m_Way.name << ", " << what;
 }
 
 Runs::Recorded Runs::Record() {

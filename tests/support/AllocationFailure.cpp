@@ -8,6 +8,7 @@ namespace {
 
 // Plain counters: code that allocates runs before and after every other static object.
 std::atomic<uint64_t> allocations{0};
+std::atomic<uint64_t> live{0};
 std::atomic<uint64_t> untilFailure{0};
 std::atomic<bool> hasFailed{false};
 std::atomic<size_t> limit{SIZE_MAX};
@@ -36,10 +37,21 @@ bool MustFail(size_t size) {
 void* Allocate(size_t size, size_t alignment) noexcept {
     if (MustFail(size))
         return nullptr;
-    if (alignment <= alignof(std::max_align_t))
-        return std::malloc(size == 0 ? 1 : size);
     void* memory = nullptr;
-    return posix_memalign(&memory, alignment, size == 0 ? 1 : size) == 0 ? memory : nullptr;
+    if (alignment <= alignof(std::max_align_t))
+        memory = std::malloc(size == 0 ? 1 : size);
+    else if (posix_memalign(&memory, alignment, size == 0 ? 1 : size) != 0)
+        memory = nullptr;
+    if (memory != nullptr)
+        ++live;
+    return memory;
+}
+
+void Free(void* memory) noexcept {
+    if (memory == nullptr)
+        return;
+    --live;
+    std::free(memory);
 }
 
 void* AllocateOrThrow(size_t size, size_t alignment) {
@@ -94,6 +106,10 @@ uint64_t AllocationCount() {
     return allocations;
 }
 
+uint64_t LiveAllocations() {
+    return live;
+}
+
 uint64_t AllocationCountOfThisThread() {
     return allocationsOfThread;
 }
@@ -125,41 +141,41 @@ void* operator new[](size_t size, std::align_val_t alignment) {
 }
 
 void operator delete(void* memory) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void* memory) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void* memory, size_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void* memory, std::align_val_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void* memory, std::align_val_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void* memory, size_t, std::align_val_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete[](void* memory, size_t, std::align_val_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }

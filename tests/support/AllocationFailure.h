@@ -45,5 +45,7 @@ public:
 /// Allocations so far, on all threads and on the calling one.
 uint64_t AllocationCount();
 uint64_t AllocationCountOfThisThread();
+/// Those that have not been given back.
+uint64_t LiveAllocations();
 
 } // namespace ZqTest

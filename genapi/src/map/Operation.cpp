@@ -55,9 +55,18 @@ std::exception_ptr NodeMapImpl::Operation::End() {
 CallbackHandleType NodeMapImpl::RegisterCallback(NodeIndex node, CNodeCallback* callback) {
     if (!callback)
         throw INVALID_ARGUMENT_EXCEPTION("No callback for node '%s'.", m_engine.Name(node).c_str());
+    const auto destroy = [](CNodeCallback* it) { it->Destroy(); };
+    std::unique_ptr<CNodeCallback, decltype(destroy)> owned(callback, destroy);
     const AutoLock lock(m_lock);
     const CallbackHandleType handle = NewCallbackHandle(NodeAt(node));
-    m_callbacks[node].push_back(std::make_shared<Registration>(callback, handle));
+    try {
+        auto registration = std::make_shared<Registration>(callback, handle);
+        static_cast<void>(owned.release());
+        m_callbacks[node].push_back(std::move(registration));
+    } catch (...) {
+        ForgetCallbackHandle(handle);
+        throw;
+    }
     m_engine.SetHasCallbacks(node, true);
     return handle;
 }
