@@ -5,7 +5,7 @@ JOBS ?= $(shell nproc)
 MINUTES ?= 5
 CONFIGURE = cmake --preset $(1) -DZQAPI_WARNINGS_AS_ERRORS=$(WERROR)
 
-.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak coverage mutations fuzz bench install format clean
+.PHONY: all deps build demo test test-release test-asan test-tsan test-aarch64 soak coverage mutations fuzz sdk bench install format clean
 
 all: build
 
@@ -51,6 +51,10 @@ mutations: deps
 fuzz:
 	@scripts/deps.sh fuzz
 	scripts/fuzz.sh $(MINUTES) $(JOBS) $(TARGETS)
+
+# Whether the library builds with the node maps of an SDK, ours laid out like one unless ZQAPI_GENICAM_SDK names another.
+sdk: deps
+	scripts/sdk.sh $(JOBS)
 
 bench: build
 	@scripts/bench.sh build/release
