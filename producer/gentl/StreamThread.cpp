@@ -21,7 +21,7 @@ uint64_t Nanoseconds(std::chrono::steady_clock::time_point time) {
 } // namespace
 
 bool StreamEngine::Flowing() const {
-    return m_running && m_camera.Acquiring();
+    return m_running && m_camera.Acquiring() && !m_camera.Armed();
 }
 
 bool StreamEngine::Disturbed(const FrameTicket& ticket) const {

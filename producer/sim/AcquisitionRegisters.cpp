@@ -20,17 +20,28 @@ void SetExposureTime(Camera& camera, const RegisterValue& value) {
                  [&](CameraSettings& settings) { settings.exposureTimeUs = std::get<double>(value); });
 }
 
+template <auto Member>
+constexpr auto GetTrigger = GetOf<&S::triggers, &S::triggerSelector, Member>;
+
+template <auto Member, int64_t Max>
+void SetTrigger(Camera& camera, const RegisterValue& value) {
+    CheckRange("the value", Whole(value), 0, Max);
+    SetOf<&S::triggers, &S::triggerSelector, Member>(camera, Whole(value));
+}
+
 void SetTriggerDelay(Camera& camera, const RegisterValue& value) {
-    CheckRange("TriggerDelay", std::get<double>(value), 0, triggerDelayMaxUs);
-    camera.Apply(Camera::Lockable::No,
-                 [&](CameraSettings& settings) { settings.triggerDelayUs = std::get<double>(value); });
+    const double delayUs = std::get<double>(value);
+    CheckRange("TriggerDelay", delayUs, 0, triggerDelayMaxUs);
+    SetOf<&S::triggers, &S::triggerSelector, &TriggerSettings::delayUs>(camera, delayUs);
 }
 
 void TriggerBySoftware(Camera& camera) {
-    camera.Trigger(TriggerSource::Software);
+    camera.TriggerBySoftware();
 }
 
+using T = TriggerSettings;
 constexpr int64_t lastSource = triggerSourceCount - 1;
+constexpr int64_t lastTrigger = triggerCount - 1;
 
 void Start(Camera& camera) {
     camera.StartAcquisition();
@@ -53,12 +64,12 @@ constexpr RegisterRow<Camera> rows[] = {
     {0x0530, 4, Integer, [](const Camera& c) { return Value(int64_t{c.Acquiring()}); }, nullptr},
     {0x0538, 8, Float, [](const Camera& c) { return Value(ResultingFrameRate(c.Settings())); }, nullptr},
     {0x0540, 4, Integer, Get<&S::exposureAuto>, SetWhole<&S::exposureAuto, 0, 2>},
-    {0x0550, 4, Integer, [](const Camera&) { return Value(int64_t{0}); }, SetNothing<0>},
-    {0x0554, 4, Integer, Get<&S::triggerMode>, SetWhole<&S::triggerMode, 0, 1>},
+    {0x0550, 4, Integer, Get<&S::triggerSelector>, SetWhole<&S::triggerSelector, 0, lastTrigger>},
+    {0x0554, 4, Integer, GetTrigger<&T::mode>, SetTrigger<&T::mode, 1>},
     {0x0558, 4, Integer, nullptr, Command<TriggerBySoftware>},
-    {0x055C, 4, Integer, Get<&S::triggerSource>, SetWhole<&S::triggerSource, 0, lastSource>},
-    {0x0560, 4, Integer, Get<&S::triggerActivation>, SetWhole<&S::triggerActivation, 0, 2>},
-    {0x0568, 8, Float, Get<&S::triggerDelayUs>, SetTriggerDelay},
+    {0x055C, 4, Integer, GetTrigger<&T::source>, SetTrigger<&T::source, lastSource>},
+    {0x0560, 4, Integer, GetTrigger<&T::activation>, SetTrigger<&T::activation, 2>},
+    {0x0568, 8, Float, GetTrigger<&T::delayUs>, SetTriggerDelay},
 };
 
 } // namespace

@@ -15,8 +15,8 @@ namespace zqgentl {
 class Agenda {
 public:
     using Clock = std::chrono::steady_clock;
-    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0, Timer1 };
-    static constexpr size_t jobCount = 5;
+    enum class Job { Temperature, LoseDevice, LoseInterface, Timer0, Timer1, StartTrigger };
+    static constexpr size_t jobCount = 6;
     static constexpr size_t namelessMax = 32;
 
     Agenda() = default;

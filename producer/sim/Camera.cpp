@@ -176,9 +176,9 @@ void Camera::TakePlan(FrameTicket& ticket) const {
         ticket.plan.signals |= m_settings.counters[i].source != 0 || m_settings.timers[i].source != 0;
     ticket.plan.paced = m_settings.frameRateEnable != 0;
     ticket.plan.exposure = std::chrono::nanoseconds(static_cast<int64_t>(m_settings.exposureTimeUs * 1e3));
-    ticket.plan.triggered = m_settings.triggerMode != 0;
-    ticket.plan.triggerDelay =
-        std::chrono::nanoseconds(static_cast<int64_t>(m_settings.triggerDelayUs * 1e3));
+    const TriggerSettings& trigger = TriggerOf(m_settings, TriggerKind::FrameStart);
+    ticket.plan.triggered = trigger.mode != 0;
+    ticket.plan.triggerDelay = std::chrono::nanoseconds(static_cast<int64_t>(trigger.delayUs * 1e3));
     ticket.plan.period = std::chrono::nanoseconds(0);
     if (ticket.plan.paced)
         ticket.plan.period =
@@ -224,26 +224,17 @@ void Camera::PlanParts(FramePlan& plan) const {
     plan.imageSize += pixels;
 }
 
-void Camera::Trigger(TriggerSource source) {
-    {
-        std::lock_guard<std::mutex> guard(m_lock);
-        const bool wanted =
-            m_settings.triggerMode != 0 && m_settings.triggerSource == static_cast<int64_t>(source);
-        if (!wanted || !m_acquiring)
-            return;
-        ++m_triggers;
-    }
-    NotifyChanged();
-}
-
 void Camera::StartAcquisition() {
     {
         std::lock_guard<std::mutex> guard(m_lock);
         if (m_acquiring)
             return;
         ++m_run;
+        ++m_revision; // a host that has a plan begins anew as well
         m_nextFrameId = 0;
         m_triggers = 0;
+        m_startTriggered = false;
+        m_armed = TriggerOf(m_settings, TriggerKind::AcquisitionStart).mode != 0;
         const auto mode = static_cast<AcquisitionMode>(m_settings.acquisitionMode);
         m_framesLeft = 0;
         if (mode == AcquisitionMode::SingleFrame)

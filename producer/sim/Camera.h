@@ -113,9 +113,14 @@ public:
     /// last frame of a finite acquisition ends it. False when the camera isn't acquiring.
     bool BeginFrame(FrameTicket& ticket);
 
-    /// A source fires. It counts as a trigger if triggers are on, come from this source and an acquisition is
-    /// under way; a frame takes one each.
-    void Trigger(TriggerSource source);
+    /// An acquisition is under way, but its frames wait for the trigger AcquisitionStart, or for its delay to
+    /// pass.
+    [[nodiscard]] bool Armed() const noexcept { return m_armed; }
+    /// A source fires; a line comes with the level that it has now. It triggers what is waited for during an
+    /// acquisition, if that is to come from this source: first its frames, then each of them.
+    void Trigger(TriggerSource source, bool level = true);
+    /// The same of the trigger that is selected, and of no other.
+    void TriggerBySoftware();
     [[nodiscard]] bool Triggered() const noexcept { return m_triggers > 0; }
     void TakeTrigger() noexcept { --m_triggers; }
 
@@ -178,6 +183,10 @@ private:
     void TimerStarted(size_t timer);
     void EndTimer(size_t timer);
     void StartTimersOn(Signal signal);
+    template <class Wanted>
+    void Fire(Wanted wanted);
+    void StartFramesLater();
+    void StartFrames(uint64_t run);
     void NotifyChanged();
     template <class Call>
     void Tell(Call call);
@@ -201,6 +210,8 @@ private:
     std::atomic<uint64_t> m_revision{1};
     std::atomic<bool> m_acquiring{false};
     std::atomic<int64_t> m_triggers{0};
+    std::atomic<bool> m_armed{false};
+    bool m_startTriggered = false; // what is waited for is the delay
     std::atomic<bool> m_portFaults{false};
     Absence m_absence;
     CameraBus* m_bus = nullptr;
@@ -226,6 +237,8 @@ void Camera::Apply(Lockable lockable, Change change) {
             RequireUnlocked();
         change(m_settings);
         m_portFaults = m_settings.portFaults.Any();
+        if (TriggerOf(m_settings, TriggerKind::AcquisitionStart).mode == 0)
+            m_armed = false;
         ++m_revision;
     }
     NotifyChanged();

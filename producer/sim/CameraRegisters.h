@@ -61,6 +61,20 @@ void SetIn(Camera& camera, const RegisterValue& value) {
                  [&](CameraSettings& settings) { settings.*Part.*Member = Whole(value); });
 }
 
+/// A number of the counter, timer or trigger that a selector names.
+template <auto Parts, auto Selector, auto Member>
+RegisterValue GetOf(const Camera& camera) {
+    const CameraSettings settings = camera.Settings();
+    return Value((settings.*Parts)[static_cast<size_t>(settings.*Selector)].*Member);
+}
+
+template <auto Parts, auto Selector, auto Member, class Number>
+void SetOf(Camera& camera, Number number) {
+    camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) {
+        (settings.*Parts)[static_cast<size_t>(settings.*Selector)].*Member = number;
+    });
+}
+
 /// A selector with few entries, none of which has a state of its own.
 template <int64_t Max>
 void SetNothing(Camera&, const RegisterValue& value) {

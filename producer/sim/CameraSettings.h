@@ -20,7 +20,11 @@ enum class AcquisitionMode : int64_t { SingleFrame = 1, MultiFrame = 2, Continuo
 /// Numbered as the enumerations ExposureAuto, GainAuto and the like number them.
 enum class AutoMode : int64_t { Off = 0, Once = 1, Continuous = 2 };
 
-/// What starts a frame, numbered as the enumeration TriggerSource numbers them.
+/// What waits for a trigger, numbered as the enumeration TriggerSelector numbers them.
+enum class TriggerKind : int64_t { FrameStart, AcquisitionStart };
+constexpr int64_t triggerCount = 2;
+
+/// Where a trigger comes from, numbered as the enumeration TriggerSource numbers them.
 enum class TriggerSource : int64_t {
     Software,
     Line0,
@@ -33,6 +37,13 @@ enum class TriggerSource : int64_t {
 };
 constexpr int64_t triggerSourceCount = 8;
 enum class TriggerActivation : int64_t { RisingEdge, FallingEdge, AnyEdge };
+
+struct TriggerSettings {
+    int64_t mode = 0;
+    int64_t source = static_cast<int64_t>(TriggerSource::Software);
+    int64_t activation = static_cast<int64_t>(TriggerActivation::RisingEdge);
+    double delayUs = 0.0;
+};
 
 /// What the registers of a camera set, with the values after power-up.
 struct CameraSettings {
@@ -55,10 +66,8 @@ struct CameraSettings {
     double frameRate = 30.0;
     double exposureTimeUs = 1000.0;
     int64_t exposureAuto = static_cast<int64_t>(AutoMode::Off);
-    int64_t triggerMode = 0;
-    int64_t triggerSource = static_cast<int64_t>(TriggerSource::Software);
-    int64_t triggerActivation = static_cast<int64_t>(TriggerActivation::RisingEdge);
-    double triggerDelayUs = 0.0;
+    int64_t triggerSelector = static_cast<int64_t>(TriggerKind::FrameStart);
+    std::array<TriggerSettings, triggerCount> triggers;
     ToneSettings tone;
     int64_t lutIndex = 0;
 
@@ -116,6 +125,10 @@ inline int64_t WidthMax(const CameraModel& model, const CameraSettings& settings
 }
 inline int64_t HeightMax(const CameraModel& model, const CameraSettings& settings) {
     return model.sensorHeight / settings.binningY;
+}
+
+inline const TriggerSettings& TriggerOf(const CameraSettings& settings, TriggerKind kind) {
+    return settings.triggers[static_cast<size_t>(kind)];
 }
 
 /// The rate that the exposure time leaves room for, in frames per second.

@@ -2,6 +2,8 @@
 
 #include "producer/sim/Camera.h"
 
+#include <utility>
+
 namespace zqgentl {
 
 namespace {
@@ -32,8 +34,12 @@ constexpr Ends endsOf[counterCount] = {
      TriggerSource::Timer1End, Signal::Timer1End, Agenda::Job::Timer1},
 };
 
-bool Activates(int64_t activation, bool level) {
-    switch (static_cast<TriggerActivation>(activation)) {
+bool Activates(const TriggerSettings& trigger, TriggerSource source, bool level) {
+    if (trigger.source != static_cast<int64_t>(source))
+        return false;
+    if (source != TriggerSource::Line0 && source != TriggerSource::Line1)
+        return true;
+    switch (static_cast<TriggerActivation>(trigger.activation)) {
     case TriggerActivation::RisingEdge:
         return level;
     case TriggerActivation::FallingEdge:
@@ -45,6 +51,54 @@ bool Activates(int64_t activation, bool level) {
 }
 
 } // namespace
+
+template <class Wanted>
+void Camera::Fire(Wanted wanted) {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        // One signal is one trigger: that which the frames begin with is none for the first of them.
+        const TriggerKind awaited = m_armed ? TriggerKind::AcquisitionStart : TriggerKind::FrameStart;
+        const TriggerSettings& trigger = TriggerOf(m_settings, awaited);
+        if (!m_acquiring || trigger.mode == 0 || !wanted(awaited, trigger))
+            return;
+        if (m_armed)
+            StartFramesLater();
+        else
+            ++m_triggers;
+    }
+    NotifyChanged();
+}
+
+void Camera::Trigger(TriggerSource source, bool level) {
+    Fire([&](TriggerKind, const TriggerSettings& trigger) { return Activates(trigger, source, level); });
+}
+
+void Camera::TriggerBySoftware() {
+    Fire([this](TriggerKind kind, const TriggerSettings& trigger) {
+        return static_cast<int64_t>(kind) == m_settings.triggerSelector &&
+               Activates(trigger, TriggerSource::Software, true);
+    });
+}
+
+void Camera::StartFramesLater() {
+    if (std::exchange(m_startTriggered, true))
+        return;
+    const auto delay = Microseconds(TriggerOf(m_settings, TriggerKind::AcquisitionStart).delayUs);
+    if (delay.count() == 0)
+        m_armed = false;
+    else
+        m_agenda.After(delay, Agenda::Job::StartTrigger, [this, run = m_run] { StartFrames(run); });
+}
+
+void Camera::StartFrames(uint64_t run) {
+    {
+        std::lock_guard<std::mutex> guard(m_lock);
+        if (run != m_run)
+            return;
+        m_armed = false;
+    }
+    NotifyChanged();
+}
 
 void Camera::Happen(Signal signal) {
     const CameraSettings settings = Settings();
@@ -65,7 +119,6 @@ void Camera::StartTimersOn(Signal signal) {
 
 void Camera::DriveLine(size_t line, bool level) {
     bool seen = false;
-    int64_t activation = 0;
     {
         std::lock_guard<std::mutex> guard(m_lock);
         LineSettings& lines = m_settings.lines;
@@ -74,12 +127,10 @@ void Camera::DriveLine(size_t line, bool level) {
             return;
         lines.inputs ^= bit;
         seen = level != ((lines.inverted & bit) != 0);
-        activation = m_settings.triggerActivation;
     }
     if (line == 0)
         Send({seen ? EventKind::Line0RisingEdge : EventKind::Line0FallingEdge, 0, Now(), 0});
-    if (Activates(activation, seen))
-        Trigger(line == 0 ? TriggerSource::Line0 : TriggerSource::Line1);
+    Trigger(line == 0 ? TriggerSource::Line0 : TriggerSource::Line1, seen);
     if (seen)
         Happen(line == 0 ? Signal::Line0 : Signal::Line1);
 }

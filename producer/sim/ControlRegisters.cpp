@@ -68,20 +68,6 @@ void SetInput(Camera& camera, const RegisterValue& value) {
     camera.DriveLine(Line, Whole(value) != 0);
 }
 
-/// A number of the counter or of the timer that a selector names.
-template <auto Parts, auto Selector, auto Member>
-RegisterValue GetOf(const Camera& camera) {
-    const CameraSettings settings = camera.Settings();
-    return Value((settings.*Parts)[static_cast<size_t>(settings.*Selector)].*Member);
-}
-
-template <auto Parts, auto Selector, auto Member, class Number>
-void SetOf(Camera& camera, Number number) {
-    camera.Apply(Camera::Lockable::No, [&](CameraSettings& settings) {
-        (settings.*Parts)[static_cast<size_t>(settings.*Selector)].*Member = number;
-    });
-}
-
 template <auto Member>
 constexpr auto GetCounter = GetOf<&S::counters, &S::counterSelector, Member>;
 template <auto Member>

@@ -117,6 +117,14 @@ void SeeTriggerDelay(Rig& rig, const Written& v) {
               before + static_cast<int64_t>(v.real * 1e3) + 1'000'000'000);
 }
 
+void SeeSelector(Rig& rig, const Written& v) {
+    rig.Set("TriggerMode", "On");
+    rig.Begin();
+    EXPECT_TRUE(rig.Nothing());
+    rig.Do("TriggerSoftware");
+    EXPECT_EQ(CountUpTo(rig, 6), v.text == "FrameStart" ? 1U : 6U);
+}
+
 } // namespace
 
 Rows AcquisitionRows() {
@@ -167,7 +175,8 @@ Rows AcquisitionRows() {
          }},
         {Module::Camera, "ExposureAuto", Seen::Chunk, "exposure times follow the scene",
          [](Rig& rig) { rig.EnableChunk("ExposureTime"); }, SeeExposureAuto},
-        {Module::Camera, "TriggerSelector", Seen::Own, "there is one trigger", Nothing, nullptr},
+        {Module::Camera, "TriggerSelector", Seen::Frames, "what waits for a trigger", SmallAndFast,
+         SeeSelector},
         {Module::Camera, "TriggerMode", Seen::Frames, "frames wait for a trigger", SmallAndFast,
          [](Rig& rig, const Written& v) {
              rig.Begin();

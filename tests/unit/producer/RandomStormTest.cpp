@@ -141,6 +141,7 @@ uint64_t Caller::Address() {
                                       camera::EventSelector,
                                       camera::EventNotification,
                                       camera::TestEventGenerate,
+                                      camera::TriggerSelector,
                                       camera::TriggerMode,
                                       camera::TriggerSoftware,
                                       camera::SimulationLine0,
