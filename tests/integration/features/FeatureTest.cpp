@@ -4,6 +4,7 @@
 #include "Row.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 namespace {
@@ -161,17 +162,32 @@ void PrintTo(const Case& shown, std::ostream* out) {
     *out << shown.row.effect;
 }
 
-std::vector<Case> AllCases() {
+std::vector<Case> AllCases(const Flavour& flavour) {
     std::vector<Case> cases;
-    for (const Flavour& flavour : flavours) {
-        Rig rig(flavour);
-        const std::set<std::string> features = WritableFeatures(rig);
-        for (const Row& row : AllRows()) {
-            if (features.count(Key(row.module, row.feature)) != 0)
-                cases.push_back({flavour, row});
-        }
+    Rig rig(flavour);
+    const std::set<std::string> features = WritableFeatures(rig);
+    for (const Row& row : AllRows()) {
+        if (features.count(Key(row.module, row.feature)) != 0)
+            cases.push_back({flavour, row});
     }
     return cases;
+}
+
+std::vector<Case> AllCases() {
+    std::vector<Case> all;
+    for (const Flavour& flavour : flavours) {
+        const std::vector<Case> cases = AllCases(flavour);
+        all.insert(all.end(), cases.begin(), cases.end());
+    }
+    return all;
+}
+
+std::vector<Written> ValuesOf(const Row& row, const Flavour& flavour) {
+    if (row.texts != nullptr)
+        return WrittenTexts(row.texts());
+    Rig rig(flavour);
+    row.prepare(rig);
+    return ValuesOf(rig.Node(row.module, row.feature));
 }
 
 class WritableFeature : public testing::TestWithParam<Case> {};
@@ -180,14 +196,7 @@ class WritableFeature : public testing::TestWithParam<Case> {};
 
 TEST_P(WritableFeature, HasItsEffect) {
     const Row& row = GetParam().row;
-    std::vector<Written> values;
-    {
-        Rig rig(GetParam().flavour);
-        row.prepare(rig);
-        values = ValuesOf(rig.Node(row.module, row.feature));
-        if (row.texts != nullptr)
-            values = WrittenTexts(row.texts());
-    }
+    const std::vector<Written> values = ValuesOf(row, GetParam().flavour);
     ASSERT_FALSE(values.empty());
     for (const Written& value : values) {
         SCOPED_TRACE(std::string(row.effect) + ": " + Describe(value));
@@ -208,6 +217,136 @@ INSTANTIATE_TEST_SUITE_P(Of, WritableFeature, testing::ValuesIn(AllCases()), [](
     return std::string(info.param.flavour.name) + moduleNames[static_cast<size_t>(info.param.row.module)] +
            info.param.row.feature;
 });
+
+namespace {
+
+/// What a node map shows of one feature.
+struct Shown {
+    std::string value;
+    std::string access;
+    std::string limits;
+};
+using Snapshot = std::map<std::string, Shown>;
+
+/// What changes by itself, or at every look.
+bool IsVolatile(const INode& node) {
+    return node.GetCachingMode() == GenApi::NoCache || node.GetPollingTime() > 0 ||
+           node.GetName() == "DeviceTemperature"; // told by an event
+}
+
+std::string LimitsOf(INode& node) {
+    if (auto* integer = dynamic_cast<GenApi::IInteger*>(&node))
+        return std::to_string(integer->GetMin()) + " to " + std::to_string(integer->GetMax()) + " by " +
+               std::to_string(integer->GetInc());
+    if (auto* real = dynamic_cast<GenApi::IFloat*>(&node))
+        return std::to_string(real->GetMin()) + " to " + std::to_string(real->GetMax());
+    return "";
+}
+
+template <class Look>
+std::string Tried(Look look) {
+    try {
+        return look();
+    } catch (const GenICam::GenericException&) {
+        return "a failure";
+    }
+}
+
+Snapshot Look(Rig& rig, Module module) {
+    Snapshot snapshot;
+    for (INode* node : FeaturesOf(rig, module)) {
+        Shown& shown = snapshot[node->GetName().c_str()];
+        shown.access = std::to_string(node->GetAccessMode());
+        if (!GenApi::IsReadable(node))
+            continue;
+        shown.limits = Tried([&] { return LimitsOf(*node); });
+        auto* value = dynamic_cast<GenApi::IValue*>(node);
+        if (!IsVolatile(*node) && value != nullptr)
+            shown.value = Tried([&] { return std::string(value->ToString(false, false).c_str()); });
+    }
+    return snapshot;
+}
+
+/// Nothing is read behind these, or it takes ten seconds.
+bool ShutsThePort(const std::string& feature) {
+    return feature == "SimulationDeviceLost" || feature == "SimulationInterfaceLost" ||
+           feature == "SimulationPortDelay";
+}
+
+bool WriteIfPossible(INode& node, size_t step) {
+    if (!GenApi::IsWritable(&node) || node.GetPrincipalInterfaceType() == GenApi::intfICommand)
+        return false;
+    const std::vector<Written> values = ValuesOf(node);
+    return Tried([&] {
+               Write(node, values[step % values.size()]);
+               return std::string();
+           })
+        .empty();
+}
+
+/// Gives what a selector selects another value at each of its own, and ends at one that is not the one given.
+void TellApart(INode& selector, const std::vector<Written>& values, size_t avoided) {
+    GenApi::FeatureList_t selected;
+    dynamic_cast<GenApi::ISelector&>(selector).GetSelectedFeatures(selected);
+    for (size_t i = 1; i <= values.size(); ++i) {
+        Write(selector, values[(avoided + i) % values.size()]);
+        for (GenApi::IValue* value : selected)
+            WriteIfPossible(*value->GetNode(), i);
+    }
+    Write(selector, values[(avoided + 1) % values.size()]);
+}
+
+/// So that a set of settings is another than that which is loaded.
+void ChangeWhatSetsKeep(Rig& rig) {
+    size_t changed = 0;
+    for (INode* node : FeaturesOf(rig, Module::Camera)) {
+        const std::string name = node->GetName().c_str();
+        if (name.find("Simulation") != 0 && name.find("Selector") == std::string::npos &&
+            name != "TLParamsLocked" && name != "ChunkModeActive")
+            changed += WriteIfPossible(*node, 1) ? 1 : 0;
+    }
+    EXPECT_GT(changed, 30U);
+}
+
+class CachedFeatures : public testing::TestWithParam<Flavour> {};
+
+} // namespace
+
+TEST_P(CachedFeatures, AreAsFreshAsTheDeviceAfterEveryWrite) {
+    size_t compared = 0;
+    for (const auto& [flavour, row] : AllCases(GetParam())) {
+        SCOPED_TRACE(Key(row.module, row.feature));
+        if (ShutsThePort(row.feature))
+            continue;
+        const std::vector<Written> values = ValuesOf(row, flavour);
+        for (size_t i = 0; i < values.size(); ++i) {
+            const Written& value = values[i];
+            Rig rig(flavour);
+            row.prepare(rig);
+            INode& node = rig.Node(row.module, row.feature);
+            if (std::string(row.feature) == "UserSetLoad")
+                ChangeWhatSetsKeep(rig);
+            if (const auto* selector = dynamic_cast<GenApi::ISelector*>(&node);
+                selector != nullptr && selector->IsSelector())
+                TellApart(node, values, i);
+            rig.Map(row.module).InvalidateNodes();
+            Look(rig, row.module); // now all is cached that can be
+            Write(node, value);
+            const Snapshot cached = Look(rig, row.module);
+            rig.Map(row.module).InvalidateNodes();
+            for (const auto& [name, fresh] : Look(rig, row.module)) {
+                ++compared;
+                EXPECT_EQ(cached.at(name).value, fresh.value) << name << " after " << Describe(value);
+                EXPECT_EQ(cached.at(name).access, fresh.access) << name << " after " << Describe(value);
+                EXPECT_EQ(cached.at(name).limits, fresh.limits) << name << " after " << Describe(value);
+            }
+        }
+    }
+    EXPECT_GT(compared, 10'000U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, CachedFeatures, testing::ValuesIn(flavours),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(FeatureTable, HasARowForEveryWritableFeature) {
     std::set<std::string> rows, features;

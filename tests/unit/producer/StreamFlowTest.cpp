@@ -137,6 +137,24 @@ TEST_F(StreamFlow, WithoutPaceTheCameraWaitsForABuffer) {
     EXPECT_EQ(StreamInfo<uint64_t>(STREAM_INFO_NUM_STARTED), 3U);
 }
 
+TEST_F(StreamFlow, EveryRunKeepsThePeriodFromItsFirstFrameOn) {
+    MakeSmallAndFast();
+    MakePaced(50, 10);
+    ASSERT_EQ(WriteInt(camera::AcquisitionMode, 2), GC_ERR_SUCCESS);
+    ASSERT_EQ(WriteInt(camera::AcquisitionFrameCount, 2), GC_ERR_SUCCESS);
+    Queue(Announce(6, 64));
+    Start();
+    for (int run = 0; run < 3; ++run) {
+        const BUFFER_HANDLE first = Next();
+        const BUFFER_HANDLE second = Next();
+        ASSERT_NE(second, nullptr);
+        EXPECT_GE(BufferInfo<uint64_t>(second, BUFFER_INFO_TIMESTAMP_NS),
+                  BufferInfo<uint64_t>(first, BUFFER_INFO_TIMESTAMP_NS) + 19'000'000)
+            << "run " << run;
+        ASSERT_EQ(WriteInt(camera::AcquisitionStart, 1), GC_ERR_SUCCESS);
+    }
+}
+
 TEST_F(StreamFlow, PacedCameraLosesFramesThatFindNoBuffer) {
     MakePaced(500, 100);
     const auto buffers = Announce(2, 640 * 480);

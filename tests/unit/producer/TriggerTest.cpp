@@ -192,19 +192,3 @@ TEST_F(AcquisitionTriggers, KeepSettingsOfTheirOwnAlsoInUserSets) {
     EXPECT_EQ(read(AcquisitionStart), (std::vector<uint32_t>{1, 2, 2}));
     EXPECT_EQ(WriteInt(camera::TriggerSelector, 2), GC_ERR_INVALID_VALUE);
 }
-
-TEST_F(AcquisitionTriggers, LeaveThePeriodOfFramesAsItIsInEveryRun) {
-    MakePaced(50, 10);
-    Await(AcquisitionStart);
-    Begin(MultiFrame, 2);
-    for (int run = 0; run < 3; ++run) {
-        Trigger(AcquisitionStart);
-        BUFFER_HANDLE const first = Next();
-        BUFFER_HANDLE const second = Next();
-        ASSERT_NE(second, nullptr);
-        EXPECT_GE(BufferInfo<uint64_t>(second, BUFFER_INFO_TIMESTAMP_NS),
-                  BufferInfo<uint64_t>(first, BUFFER_INFO_TIMESTAMP_NS) + 19'000'000)
-            << "run " << run;
-        Write(camera::AcquisitionStart, 1);
-    }
-}
