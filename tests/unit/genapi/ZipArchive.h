@@ -35,3 +35,21 @@ inline std::string Zip(const std::vector<Member>& members, zip_int32_t method = 
     zip_error_fini(&error);
     return bytes;
 }
+
+/// The first member of an archive; "" when it can't be read.
+inline std::string FirstMember(const std::string& path) {
+    zip_t* const archive = zip_open(path.c_str(), ZIP_RDONLY, nullptr);
+    if (!archive)
+        return {};
+    zip_stat_t member;
+    zip_file_t* const file = zip_fopen_index(archive, 0, 0);
+    std::string content;
+    if (file && zip_stat_index(archive, 0, 0, &member) == 0) {
+        content.resize(member.size);
+        zip_fread(file, &content[0], member.size);
+    }
+    if (file)
+        zip_fclose(file);
+    zip_discard(archive);
+    return content;
+}
