@@ -294,12 +294,36 @@ TEST(Callbacks, RunOncePerChangeForEveryNodeConcerned) {
     EXPECT_EQ(*other, 0);
 }
 
-TEST(Callbacks, InsideOnesHoldTheLockAndSeeTheNewValue) {
-    Camera camera(Feature("F", "R") + IntReg("R", 0));
-    int64_t seen = -1;
-    Register(camera.Node("F"), [&](INode* node) { seen = CIntegerPtr(node)->GetValue(); });
-    camera.Int("F")->SetValue(12);
-    EXPECT_EQ(seen, 12);
+TEST(Callbacks, InsideOnesHoldTheLockAndOutsideOnesDoNot) {
+    for (const bool inside : {true, false}) {
+        Camera camera(Feature("F", "R") + IntReg("R", 0));
+        int64_t seen = -1;
+        bool wasFree = inside;
+        Register(
+            camera.Node("F"),
+            [&](INode* node) {
+                wasFree = camera.IsFree();
+                seen = CIntegerPtr(node)->GetValue();
+            },
+            inside ? cbPostInsideLock : cbPostOutsideLock);
+        EXPECT_TRUE(camera.IsFree());
+        camera.Int("F")->SetValue(12);
+        EXPECT_EQ(wasFree, !inside);
+        EXPECT_EQ(seen, 12);
+        EXPECT_TRUE(camera.IsFree());
+    }
+}
+
+// Both kinds on one node: each runs in its own phase of the same operation.
+TEST(Callbacks, OutsideOnesRunBehindTheInsideOnes) {
+    Camera camera(IntReg("R", 0));
+    std::vector<bool> free;
+    Register(
+        camera.Node("R"), [&](INode*) { free.push_back(camera.IsFree()); }, cbPostOutsideLock);
+    Register(
+        camera.Node("R"), [&](INode*) { free.push_back(camera.IsFree()); }, cbPostInsideLock);
+    camera.Node("R")->InvalidateNode();
+    EXPECT_EQ(free, (std::vector<bool>{false, true}));
 }
 
 TEST(Callbacks, OfNestedOperationsWaitForTheOutermost) {

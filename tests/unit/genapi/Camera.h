@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 /// Memory of any size that starts as zeros, and knows how it was used.
@@ -116,6 +117,17 @@ public:
         GenApi::Register(
             Node(name), [count](GenApi::INode*) { ++*count; }, type);
         return count;
+    }
+    /// Whether another thread could use the map now.
+    bool IsFree() const {
+        GenApi::CLock& lock = map._Ptr->GetLock();
+        bool free = false;
+        std::thread([&] {
+            free = lock.TryLock();
+            if (free)
+                lock.Unlock();
+        }).join();
+        return free;
     }
 
     FakePort port;

@@ -76,15 +76,7 @@ TEST(Threads, OutsideCallbackLeavesTheMapFreeForOthers) {
     Camera camera(IntReg("R", 0));
     bool free = false;
     Register(
-        camera.Node("R"),
-        [&](INode*) {
-            std::thread([&] {
-                free = camera.map._Ptr->GetLock().TryLock();
-                if (free)
-                    camera.map._Ptr->GetLock().Unlock();
-            }).join();
-        },
-        cbPostOutsideLock);
+        camera.Node("R"), [&](INode*) { free = camera.IsFree(); }, cbPostOutsideLock);
     camera.Int("R")->SetValue(1);
     EXPECT_TRUE(free);
 }
