@@ -9,6 +9,7 @@
 #include <GenApi/ChunkAdapterU3V.h>
 #include <GenApi/ConcatenatedWrite.h>
 #include <GenApi/Container.h>
+#include <GenApi/Diagnostics.h>
 #include <GenApi/EnumClasses.h>
 #include <GenApi/EventAdapter.h>
 #include <GenApi/EventAdapterGEV.h>

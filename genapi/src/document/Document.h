@@ -40,6 +40,7 @@ struct Document {
     SourceHeader header;
     List<SourceNode> nodes;
     List<Text> unknownNames;
+    List<Text> repeated;   ///< names of nodes left out, because there was one of the name already
     List<uint32_t> places; ///< a hash table of one more than the place of each node; 0 is free
 
     static constexpr uint32_t kNowhere = 0xFFFFFFFF;

@@ -13,6 +13,7 @@ namespace {
 constexpr size_t kMaxNodes = 200'000;
 constexpr size_t kMaxUnknownNames = 50'000;
 constexpr size_t kMaxNameLength = 1024;
+constexpr size_t kMaxRepeated = 1000;
 
 uint32_t Hash(std::string_view name) {
     return static_cast<uint32_t>(XXH3_64bits(name.data(), name.size()));
@@ -96,8 +97,10 @@ bool DocumentWriter::Add(const NodeDraft& node, const ElementDraft* first, size_
     const uint32_t hash = Hash(node.name);
     size_t place = hash & mask;
     for (; m_places[place] != 0; place = (place + 1) & mask)
-        if (const Row& row = m_rows[m_places[place] - 1]; row.hash == hash && row.node.name == node.name)
+        if (const Row& row = m_rows[m_places[place] - 1]; row.hash == hash && row.node.name == node.name) {
+            KeepRepeated(node.name);
             return false;
+        }
     if (m_rows.size() >= kMaxNodes)
         throw RUNTIME_EXCEPTION("The description has more than %zu nodes; the next is '%s'.", kMaxNodes,
                                 std::string(node.name).c_str());
@@ -116,6 +119,16 @@ bool DocumentWriter::Add(const NodeDraft& node, const ElementDraft* first, size_
     return true;
 }
 
+void DocumentWriter::KeepRepeated(std::string_view name) {
+    if (m_repeated.size() < kMaxRepeated)
+        m_repeated.push_back(Kept(name));
+}
+
+void DocumentWriter::CopyRepeated(const Document& document) {
+    for (const Text& name : document.repeated)
+        KeepRepeated(name);
+}
+
 void DocumentWriter::Finish() {
     m_arena.NewList(m_document.nodes, m_rows.size());
     for (size_t i = 0; i < m_rows.size(); ++i) {
@@ -131,6 +144,9 @@ void DocumentWriter::Finish() {
     m_arena.NewList(m_document.unknownNames, m_unknownNames.size());
     for (size_t i = 0; i < m_unknownNames.size(); ++i)
         m_document.unknownNames[i].Point(m_unknownNames[i]);
+    m_arena.NewList(m_document.repeated, m_repeated.size());
+    for (size_t i = 0; i < m_repeated.size(); ++i)
+        m_document.repeated[i].Point(m_repeated[i]);
 }
 
 void CopyDocument(const Document& document, DocumentWriter& writer) {
@@ -140,6 +156,7 @@ void CopyDocument(const Document& document, DocumentWriter& writer) {
         writer.DraftElements(document, node, elements);
         writer.Add(writer.Draft(document, node), elements.data(), elements.size());
     }
+    writer.CopyRepeated(document);
     writer.Finish();
 }
 

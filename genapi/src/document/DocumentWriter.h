@@ -50,6 +50,8 @@ public:
     /// Adds a node. The first of several nodes of one name stays, and a name can be unusable: false then.
     /// RuntimeException when there are too many.
     bool Add(const NodeDraft& node, const ElementDraft* first, size_t count);
+    /// What the other document had left out is left out here, too.
+    void CopyRepeated(const Document& document);
     /// To be called once, at the end.
     void Finish();
 
@@ -62,6 +64,7 @@ private:
     };
 
     void Grow();
+    void KeepRepeated(std::string_view name);
     std::string_view Kept(std::string_view text);
 
     Arena& m_arena;
@@ -69,6 +72,7 @@ private:
     std::vector<Row> m_rows;
     std::vector<uint32_t> m_places;
     std::vector<std::string_view> m_unknownNames;
+    std::vector<std::string_view> m_repeated;
     std::unordered_map<std::string_view, ElementName> m_unknownPlaces;
     bool m_sharing = false;
     std::unordered_set<std::string_view> m_shared;

@@ -28,6 +28,8 @@ public:
         for (uint32_t i = 0; i < m_addition.nodes.size(); ++i)
             if (m_ofAddition[i] == Fate::Kept)
                 Copy(writer, m_addition, m_addition.nodes[i]);
+        writer.CopyRepeated(m_target);
+        writer.CopyRepeated(m_addition);
         writer.Finish();
     }
 

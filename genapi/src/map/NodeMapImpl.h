@@ -64,6 +64,8 @@ public:
     void AddReference();
     void DropReference();
 
+    /// Of the description: what the map has to do without, and why.
+    void GetDiagnostics(GENICAM_NAMESPACE::gcstring_vector& diagnostics) const;
     const Description& GetDescription() const { return *m_description; }
     /// The object for a node; made when it is first asked for. The lock must be held or is taken.
     NodeBase* NodeAt(NodeIndex node) const;
