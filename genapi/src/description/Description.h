@@ -177,10 +177,11 @@ struct NodeDescription {
     bool streamable = false;
     bool deprecated = false;
     bool isFeature = false;
-    bool cacheable = true;          ///< the value may be kept
-    bool modeCacheable = true;      ///< the access mode may be kept
-    bool modeFollowsValues = false; ///< the access mode may change when values do, not only with the port
-    bool addressVolatile = false;   ///< a kept register value is valid only where it was read
+    bool cacheable = true;            ///< the value may be kept
+    bool modeCacheable = true;        ///< the access mode may be kept
+    bool modeFollowsValues = false;   ///< the access mode may change when values do, not only with the port
+    bool addressVolatile = false;     ///< a kept register value is valid only where it was read
+    bool selectsAllRegisters = false; ///< reaches too many through what it selects to have an edge to each
     bool hasEvent = false;
     uint64_t eventId = 0;
     int64_t pollingTime = -1;

@@ -2,6 +2,7 @@
 #include "genapi/src/description/EdgeLists.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace GENAPI_NAMESPACE::inside {
@@ -106,8 +107,11 @@ private:
             for (const NodeIndex selected : m_description.nodes[i].selected) {
                 selecting.emplace_back(selected, i);
                 Depends(selected, i);
-                for (const NodeIndex reg : RegistersBehind(selected))
-                    Depends(reg, i);
+                const auto registers = RegistersBehind(selected);
+                m_description.nodes[i].selectsAllRegisters |= !registers;
+                if (registers)
+                    for (const NodeIndex reg : *registers)
+                        Depends(reg, i);
             }
         if (selecting.empty())
             return;
@@ -119,28 +123,31 @@ private:
         }
     }
 
-    // Bounded, because a hostile file can make every selector reach every node; past the budget only the
-    // feature itself becomes stale.
-    std::vector<NodeIndex> RegistersBehind(NodeIndex start) {
+    // Bounded, because a hostile file can make every selector reach every node. Nothing where there are too
+    // many: all registers count as reached then, which takes no edges.
+    std::optional<std::vector<NodeIndex>> RegistersBehind(NodeIndex start) {
         constexpr size_t kMaxNodes = 512;
         std::vector<NodeIndex> seen{start};
         std::vector<NodeIndex> registers;
-        m_seen.resize(m_description.nodes.size(), kNoNode);
-        for (size_t next = 0; next < seen.size() && seen.size() < kMaxNodes && m_selectorBudget > 0; ++next) {
+        m_seen.resize(m_description.nodes.size(), 0);
+        ++m_walk;
+        for (size_t next = 0; next < seen.size(); ++next) {
             // Past its own value a register reads only where it lies.
             if (m_description.nodes[seen[next]].reg) {
                 registers.push_back(seen[next]);
                 continue;
             }
             for (const NodeIndex child : m_description.reads.Of(seen[next])) {
-                --m_selectorBudget;
-                if (child != start && m_seen[child] != m_walk && seen.size() < kMaxNodes) {
-                    m_seen[child] = m_walk;
-                    seen.push_back(child);
-                }
+                if (m_selectorBudget-- <= 0)
+                    return std::nullopt;
+                if (child == start || m_seen[child] == m_walk)
+                    continue;
+                if (seen.size() == kMaxNodes)
+                    return std::nullopt;
+                m_seen[child] = m_walk;
+                seen.push_back(child);
             }
         }
-        ++m_walk;
         return registers;
     }
 

@@ -226,6 +226,7 @@ private:
 
     void Drop(NodeIndex node, Stale what);
     void MarkChanged(NodeIndex node);
+    void Reach(NodeIndex node, Stale what);
     void Spread(const NodeIndex* from, size_t count, Stale what);
     void Spread(NodeIndex from, Stale what = Stale::Values) { Spread(&from, 1, what); }
     void Spread(const std::vector<NodeIndex>& from, Stale what = Stale::Values) {

@@ -2,6 +2,7 @@
 #include "genapi/src/map/Engine.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace GENAPI_NAMESPACE::inside {
 
@@ -23,6 +24,15 @@ void Engine::MarkChanged(NodeIndex node) {
     m_changed.push_back(node);
 }
 
+void Engine::Reach(NodeIndex node, Stale what) {
+    if (m_states[node].visit == m_visit)
+        return;
+    m_states[node].visit = m_visit;
+    Drop(node, what);
+    if (Node(node).selectsAllRegisters || !m_description->dependents.Of(node).IsEmpty())
+        m_open.push_back(node);
+}
+
 // The nodes it starts from are left as they are: whoever wrote one knows what it holds now.
 void Engine::Spread(const NodeIndex* from, size_t count, Stale what) {
     if (++m_visit == 0) {
@@ -35,17 +45,15 @@ void Engine::Spread(const NodeIndex* from, size_t count, Stale what) {
         m_states[from[i]].visit = m_visit;
         m_open.push_back(from[i]);
     }
+    bool allRegisters = false;
     while (!m_open.empty()) {
         const NodeIndex node = m_open.back();
         m_open.pop_back();
-        for (const NodeIndex dependent : m_description->dependents.Of(node)) {
-            if (m_states[dependent].visit == m_visit)
-                continue;
-            m_states[dependent].visit = m_visit;
-            Drop(dependent, what);
-            if (!m_description->dependents.Of(dependent).IsEmpty())
-                m_open.push_back(dependent);
-        }
+        for (const NodeIndex dependent : m_description->dependents.Of(node))
+            Reach(dependent, what);
+        if (Node(node).selectsAllRegisters && !std::exchange(allRegisters, true))
+            for (const NodeIndex reg : m_description->registers)
+                Reach(reg, what);
     }
     for (const NodeIndex id : m_chunks.idNodes)
         if (m_states[id].visit == m_visit)

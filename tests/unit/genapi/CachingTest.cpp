@@ -186,27 +186,59 @@ TEST(Caching, WhatIsNotKeptMakesNothingAboveItKept) {
     EXPECT_EQ(camera.Reg("Twice")->GetAddress(), 9);
 }
 
-TEST(Invalidation, SelectorReachesTheRegistersOfAFeatureUnlessThereAreVeryMany) {
+namespace {
+
+/// Registers with features over them, and a formula "F" that adds all of them.
+std::string SumOfRegisters(int count) {
+    std::string nodes;
+    std::string variables;
+    std::string formula = "0";
+    for (int i = 0; i < count; ++i) {
+        const std::string name = "R" + std::to_string(i);
+        nodes += IntReg(name, 4 * i) + Feature("Over" + name, name);
+        variables += "<pVariable Name=\"" + name + "\">Over" + name + "</pVariable><pVariable Name=\"A" +
+                     name + "\">" + name + "</pVariable>";
+        formula += "+" + name + "+A" + name;
+    }
+    return nodes + ::Node("IntSwissKnife", "F", variables + "<Formula>" + formula + "</Formula>");
+}
+
+} // namespace
+
+TEST(Invalidation, SelectorReachesTheRegistersOfAFeatureHoweverManyThereAre) {
     for (const int count : {20, 600}) {
-        std::string nodes = ::Node("Integer", "S", "<Value>0</Value><pSelected>F</pSelected>");
-        std::string variables;
-        std::string formula = "0";
-        for (int i = 0; i < count; ++i) {
-            const std::string name = "R" + std::to_string(i);
-            nodes += IntReg(name, 4 * i) + Feature("Over" + name, name);
-            variables += "<pVariable Name=\"" + name + "\">Over" + name + "</pVariable><pVariable Name=\"A" +
-                         name + "\">" + name + "</pVariable>";
-            formula += "+" + name + "+A" + name;
-        }
-        Camera camera(nodes + ::Node("IntSwissKnife", "F", variables + "<Formula>" + formula + "</Formula>"));
+        Camera camera(::Node("Integer", "S", "<Value>0</Value><pSelected>F</pSelected>") +
+                      SumOfRegisters(count));
         EXPECT_EQ(camera.Int("F")->GetValue(), 0);
         EXPECT_EQ(camera.port.TakeReads(), count);
         EXPECT_EQ(camera.Int("F")->GetValue(), 0);
         EXPECT_EQ(camera.port.TakeReads(), 0);
+        int* const changes = camera.Watch("R7");
+        camera.port.Put(4 * (count - 1), {21});
         camera.Int("S")->SetValue(1);
-        EXPECT_EQ(camera.Int("F")->GetValue(), 0);
-        EXPECT_EQ(camera.port.TakeReads(), count < 500 ? count : 0);
+        EXPECT_EQ(*changes, 1);
+        EXPECT_EQ(camera.Int("F")->GetValue(), 42);
+        EXPECT_EQ(camera.port.TakeReads(), count);
+        camera.Int("R0")->SetValue(1); // is no selector
+        EXPECT_EQ(camera.Int("F")->GetValue(), 44);
+        EXPECT_EQ(camera.port.TakeReads(), 0);
     }
+}
+
+// What changes a selector through its register selects as well, and the register keeps what was written.
+TEST(Invalidation, SelectorOverARegisterReachesManyRegistersToo) {
+    Camera camera(Feature("S", "Place", "<pSelected>F</pSelected>") + IntReg("Place", 0x10000) +
+                  Feature("T", "Place", "<pSelected>F</pSelected>") + SumOfRegisters(600));
+    EXPECT_EQ(camera.Int("F")->GetValue(), 0);
+    camera.port.Put(4 * 599, {21});
+    camera.port.TakeReads();
+    camera.Int("Place")->SetValue(3);
+    EXPECT_EQ(camera.Int("S")->GetValue(), 3);
+    EXPECT_EQ(camera.port.TakeReads(), 0);
+    EXPECT_EQ(camera.Int("F")->GetValue(), 42);
+    camera.port.Put(4 * 598, {1});
+    camera.Int("T")->SetValue(4);
+    EXPECT_EQ(camera.Int("F")->GetValue(), 44);
 }
 
 TEST(Polling, BlockedNodesAreLeftAlone) {
