@@ -1,9 +1,6 @@
 // What needs frames: the data of new-buffer events, what a filled buffer tells, and the counters.
 
-#include "Context.h"
-#include "RemoteFeatures.h"
-
-#include <algorithm>
+#include "Session.h"
 
 namespace contract {
 
@@ -12,8 +9,6 @@ namespace {
 constexpr auto Size = INFO_DATATYPE_SIZET;
 constexpr auto Uint64 = INFO_DATATYPE_UINT64;
 constexpr auto Flag = INFO_DATATYPE_BOOL8;
-constexpr uint64_t patienceMs = 5000;
-constexpr size_t frameCount = 3;
 
 const std::vector<InfoRow> filledRows = {
     {BUFFER_INFO_TIMESTAMP, "TIMESTAMP", Uint64, Need::Optional},
@@ -39,71 +34,6 @@ const std::vector<InfoRow> filledRows = {
     {BUFFER_INFO_TIMESTAMP_NS, "TIMESTAMP_NS", Uint64, Need::Optional},
     {BUFFER_INFO_DATA_LARGER_THAN_BUFFER, "DATA_LARGER_THAN_BUFFER", Flag, Need::Optional},
     {BUFFER_INFO_CONTAINS_CHUNKDATA, "CONTAINS_CHUNKDATA", Flag, Need::Mandatory},
-};
-
-/// A stream that is about to deliver frames, with everything that one needs for it.
-class Session {
-public:
-    Session(Context& context, DS_HANDLE stream, PORT_HANDLE remote)
-        : context(context), g(context.gentl), report(context.report), stream(stream),
-          features(context.gentl, remote) {}
-
-    [[nodiscard]] size_t PayloadSize() const {
-        const auto defined = ValueOf<size_t>(StreamInfo(STREAM_INFO_PAYLOAD_SIZE));
-        uint64_t payload = defined;
-        if (defined == 0)
-            features.Read("PayloadSize", payload);
-        return static_cast<size_t>(payload);
-    }
-
-    [[nodiscard]] InfoCall StreamInfo(int32_t command) const {
-        return [this, command](INFO_DATATYPE* type, void* data, size_t* size) {
-            return g.DSGetInfo(stream, command, type, data, size);
-        };
-    }
-    [[nodiscard]] InfoCall BufferInfo(BUFFER_HANDLE buffer, int32_t command) const {
-        return [this, buffer, command](INFO_DATATYPE* type, void* data, size_t* size) {
-            return g.DSGetBufferInfo(stream, buffer, command, type, data, size);
-        };
-    }
-    [[nodiscard]] bool Flagged(BUFFER_HANDLE buffer, int32_t command) const {
-        return ValueOf<uint8_t>(BufferInfo(buffer, command)) != 0;
-    }
-    /// Announces buffers, each with its own place in `buffers` as user pointer.
-    bool Announce() {
-        const size_t payload = PayloadSize();
-        for (BUFFER_HANDLE& buffer : buffers) {
-            if (payload == 0 ||
-                g.DSAllocAndAnnounceBuffer(stream, payload, &buffer, &buffer) != GC_ERR_SUCCESS)
-                return false;
-        }
-        return true;
-    }
-    bool Start(uint64_t frames) {
-        report.Success("DSStartAcquisition", g.DSStartAcquisition(stream, ACQ_START_FLAGS_DEFAULT, frames));
-        features.Write("TLParamsLocked", 1);
-        return features.Write("AcquisitionStart", 1);
-    }
-    void Stop() {
-        features.Write("AcquisitionStop", 1);
-        report.Success("DSStopAcquisition", g.DSStopAcquisition(stream, ACQ_STOP_FLAGS_DEFAULT));
-        features.Write("TLParamsLocked", 0);
-    }
-    EVENT_NEW_BUFFER_DATA Next(GC_ERROR& result, uint64_t ms = patienceMs) {
-        EVENT_NEW_BUFFER_DATA data{};
-        size_t size = sizeof data;
-        result = g.EventGetData(event, &data, &size, ms);
-        report.Holds("EventGetData size", result != GC_ERR_SUCCESS || size == sizeof data, "16 bytes");
-        return data;
-    }
-
-    Context& context;
-    const Functions& g;
-    Report& report;
-    DS_HANDLE stream;
-    RemoteFeatures features;
-    EVENT_HANDLE event = nullptr;
-    BUFFER_HANDLE buffers[frameCount] = {};
 };
 
 void CheckEventData(Session& s, const EVENT_NEW_BUFFER_DATA& data) {
@@ -135,19 +65,8 @@ void CheckFilledBuffer(Session& s, BUFFER_HANDLE buffer) {
     const auto size = ValueOf<size_t>(s.BufferInfo(buffer, BUFFER_INFO_SIZE));
     report.Holds("DSGetBufferInfo(SIZE_FILLED)", filled > 0 && filled <= size, "1 to the size of the buffer",
                  std::to_string(filled));
-    SINGLE_CHUNK_DATA chunk{};
-    size_t count = 0;
-    const bool chunks = s.Flagged(buffer, BUFFER_INFO_CONTAINS_CHUNKDATA);
-    report.Result("DSGetBufferChunkData", s.g.DSGetBufferChunkData(s.stream, buffer, nullptr, &count),
-                  {chunks ? GC_ERR_SUCCESS : GC_ERR_NO_DATA, GC_ERR_NOT_IMPLEMENTED});
-    report.Result("DSGetBufferChunkData(no count)",
-                  s.g.DSGetBufferChunkData(s.stream, buffer, &chunk, nullptr),
-                  {GC_ERR_INVALID_PARAMETER, GC_ERR_NOT_IMPLEMENTED});
-    uint32_t parts = 0;
-    const bool multi =
-        ValueOf<size_t>(s.BufferInfo(buffer, BUFFER_INFO_PAYLOADTYPE)) == size_t{PAYLOAD_TYPE_MULTI_PART};
-    report.Result("DSGetNumBufferParts", s.g.DSGetNumBufferParts(s.stream, buffer, &parts),
-                  {multi ? GC_ERR_SUCCESS : GC_ERR_NO_DATA, GC_ERR_NOT_IMPLEMENTED});
+    CheckChunks(s, buffer);
+    CheckParts(s, buffer);
     report.Success("DSQueueBuffer", s.g.DSQueueBuffer(s.stream, buffer));
     report.Equal("DSGetBufferInfo(SIZE_FILLED) queued",
                  ValueOf<size_t>(s.BufferInfo(buffer, BUFFER_INFO_SIZE_FILLED)), size_t{0});
@@ -244,16 +163,14 @@ void CheckAcquisition(Context& context, DS_HANDLE stream, PORT_HANDLE remote) {
     if (session.Announce()) {
         CheckFinite(session);
         CheckUnread(session);
+        session.Revoke();
+        CheckPayloads(session);
     } else {
         report.Skip("frames: their size is not known");
     }
     report.Enter("after the acquisition");
     report.Success("GCUnregisterEvent", context.gentl.GCUnregisterEvent(stream, EVENT_NEW_BUFFER));
-    report.Success("DSFlushQueue(ALL_DISCARD)", context.gentl.DSFlushQueue(stream, ACQ_QUEUE_ALL_DISCARD));
-    for (BUFFER_HANDLE buffer : session.buffers) {
-        if (buffer != nullptr)
-            report.Success("DSRevokeBuffer", context.gentl.DSRevokeBuffer(stream, buffer, nullptr, nullptr));
-    }
+    session.Revoke();
 }
 
 } // namespace contract

@@ -68,9 +68,15 @@ void CheckLibrary(Context& context);
 void CheckSystem(Context& context, TL_HANDLE system);
 void CheckInterface(Context& context, TL_HANDLE system, const std::string& id);
 void CheckDevice(Context& context, IF_HANDLE interface, const std::string& id);
+/// Each way to open a device that is closed, and its status meanwhile.
+void CheckAccessModes(Context& context, IF_HANDLE interface, const std::string& id);
 void CheckStream(Context& context, DEV_HANDLE device, PORT_HANDLE remote, const std::string& id);
 void CheckAcquisition(Context& context, DS_HANDLE stream, PORT_HANDLE remote);
 void CheckPort(Context& context, const std::string& which, void* port, const char* module);
+/// With the library closed before and after: two devices at once, and handles of every other kind, open and
+/// closed, for every function.
+void CheckTwoDevices(Context& context);
+void CheckHandles(Context& context);
 /// One event registration; `newBuffer` has the data of its own kind.
 void CheckEvent(Context& context, const std::string& which, void* source, EVENT_TYPE type);
 void CheckEventTypes(Context& context, const std::string& which, void* source,

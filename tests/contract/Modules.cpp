@@ -231,6 +231,7 @@ void CheckInterface(Context& context, TL_HANDLE system, const std::string& id) {
     CheckEventTypes(context, "interface", interface,
                     {EVENT_NEW_BUFFER, EVENT_FEATURE_INVALIDATE, EVENT_FEATURE_CHANGE, EVENT_REMOTE_DEVICE});
     CheckEvent(context, "interface", interface, EVENT_ERROR);
+    CheckEvent(context, "interface", interface, EVENT_MODULE);
     INFO_DATATYPE type = 0;
     size_t size = 0;
     report.Result("IFGetDeviceInfo(unknown ID)",
@@ -252,6 +253,7 @@ void CheckDevice(Context& context, IF_HANDLE interface, const std::string& id) {
     CheckOpenRefusals(context, "IFOpenDevice", id, [&](const char* name, void** out) {
         return g.IFOpenDevice(interface, name, DEVICE_ACCESS_EXCLUSIVE, out);
     });
+    CheckAccessModes(context, interface, id);
     DEV_HANDLE device = nullptr;
     report.Result("IFOpenDevice(access 0)", g.IFOpenDevice(interface, id.c_str(), 0, &device),
                   {GC_ERR_INVALID_PARAMETER});

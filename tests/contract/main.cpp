@@ -66,6 +66,8 @@ int main(int argc, char** argv) {
         context.report.Enter("closed");
         CheckUninitialised(context);
         CheckTeardown(context);
+        CheckTwoDevices(context);
+        CheckHandles(context);
     }
     return context.report.Finish() ? 0 : 1;
 }
