@@ -107,15 +107,4 @@ std::string TextOf(const TextCall& call) {
     return text.data();
 }
 
-std::vector<void*> BadHandles() {
-    static int something = 0;
-    return {nullptr, reinterpret_cast<void*>(~uintptr_t{0}), &something};
-}
-
-void RefusesHandles(Context& context, const std::string& function,
-                    const std::function<GC_ERROR(void*)>& call) {
-    for (void* handle : BadHandles())
-        context.report.Result(function + "(no handle)", call(handle), {GC_ERR_INVALID_HANDLE});
-}
-
 } // namespace contract

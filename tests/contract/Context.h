@@ -56,12 +56,6 @@ T ValueOf(const InfoCall& call, T fallback = T{}) {
     return call(&type, &value, &size) == GC_ERR_SUCCESS ? value : fallback;
 }
 
-/// Handles that are none: null, all ones and a made-up one.
-std::vector<void*> BadHandles();
-/// Checks that a function refuses each of them.
-void RefusesHandles(Context& context, const std::string& function,
-                    const std::function<GC_ERROR(void*)>& call);
-
 /// The chapters, each leaving the producer as it found it: initialised or not, as its name says.
 void CheckUninitialised(Context& context);
 void CheckLibrary(Context& context);
@@ -73,8 +67,8 @@ void CheckAccessModes(Context& context, IF_HANDLE interface, const std::string& 
 void CheckStream(Context& context, DEV_HANDLE device, PORT_HANDLE remote, const std::string& id);
 void CheckAcquisition(Context& context, DS_HANDLE stream, PORT_HANDLE remote);
 void CheckPort(Context& context, const std::string& which, void* port, const char* module);
-/// With the library closed before and after: two devices at once, and handles of every other kind, open and
-/// closed, for every function.
+/// With the library closed before and after: two devices at once, and for every function handles that are
+/// none, of another kind, or closed.
 void CheckTwoDevices(Context& context);
 void CheckHandles(Context& context);
 /// One event registration; `newBuffer` has the data of its own kind.

@@ -18,25 +18,6 @@ const std::vector<InfoRow> eventRows = {
     {EVENT_INFO_DATA_SIZE_MAX, "DATA_SIZE_MAX", INFO_DATATYPE_SIZET, Need::Mandatory},
 };
 
-void RefuseEventHandles(Context& context) {
-    const Functions& g = context.gentl;
-    char data[64];
-    size_t size = sizeof data;
-    INFO_DATATYPE type = 0;
-    void* out = nullptr;
-    RefusesHandles(context, "GCRegisterEvent",
-                   [&](void* h) { return g.GCRegisterEvent(h, EVENT_ERROR, &out); });
-    RefusesHandles(context, "GCUnregisterEvent",
-                   [&](void* h) { return g.GCUnregisterEvent(h, EVENT_ERROR); });
-    RefusesHandles(context, "EventGetData", [&](void* h) { return g.EventGetData(h, data, &size, 0); });
-    RefusesHandles(context, "EventGetDataInfo",
-                   [&](void* h) { return g.EventGetDataInfo(h, data, 8, 0, &type, data, &size); });
-    RefusesHandles(context, "EventGetInfo",
-                   [&](void* h) { return g.EventGetInfo(h, 0, &type, data, &size); });
-    RefusesHandles(context, "EventFlush", [&](void* h) { return g.EventFlush(h); });
-    RefusesHandles(context, "EventKill", [&](void* h) { return g.EventKill(h); });
-}
-
 /// What becomes of waits: they time out, and each kill ends one.
 void CheckWaits(Context& context, const std::string& name, EVENT_HANDLE event) {
     Report& report = context.report;
@@ -70,7 +51,6 @@ void CheckWaits(Context& context, const std::string& name, EVENT_HANDLE event) {
 
 void CheckEventTypes(Context& context, const std::string& which, void* source,
                      std::initializer_list<EVENT_TYPE> refused) {
-    RefuseEventHandles(context);
     EVENT_HANDLE event = nullptr;
     const Functions& g = context.gentl;
     for (const EVENT_TYPE type : refused)

@@ -1,8 +1,7 @@
-// Every function that takes a handle, with live ones of the wrong kind and with closed ones of each.
+// Every function that takes a handle, with what is none, with live ones of the wrong kind, and with closed
+// ones.
 
 #include "Devices.h"
-
-#include <algorithm>
 
 namespace contract {
 
@@ -152,20 +151,29 @@ std::vector<HandleCall> PortAndEventCalls(const Functions& g, Room& r) {
     };
 }
 
-/// Calls every function with each of the handles that `wanted` picks, and has it refuse them.
-using Pick = bool (*)(const HandleCall&, const Handle&);
-void Sweep(Context& context, const Handles& handles, const char* how, Pick wanted) {
+/// What no producer ever gave out: null, all ones, and the address of something.
+std::vector<Handle> Made() {
+    static int something = 0;
+    constexpr Kind none{};
+    return {{none, "null", nullptr},
+            {none, "all ones", reinterpret_cast<void*>(~uintptr_t{0})},
+            {none, "an address", &something}};
+}
+
+/// Calls every function with each of the handles that are of another kind than its own, and has it refuse
+/// them.
+void Sweep(Context& context, const Handles& open, const std::string& how,
+           const std::vector<Handle>& handles) {
     const Functions& g = context.gentl;
     Room room;
-    for (const auto& calls :
-         {ModuleCalls(g, room), StreamCalls(g, handles, room), PortAndEventCalls(g, room)}) {
+    for (const auto& calls : {ModuleCalls(g, room), StreamCalls(g, open, room), PortAndEventCalls(g, room)}) {
         for (const HandleCall& row : calls) {
-            for (const Handle& handle : handles.All()) {
-                if (!wanted(row, handle))
+            for (const Handle& handle : handles) {
+                if ((row.accepted & handle.kind) != 0)
                     continue;
                 room = Room();
                 room.entry = {0, room.bytes, 8};
-                context.report.Result(std::string(row.name) + "(" + how + " " + handle.name + ")",
+                context.report.Result(std::string(row.name) + "(" + how + handle.name + ")",
                                       row.call(handle.handle), {GC_ERR_INVALID_HANDLE});
             }
         }
@@ -216,16 +224,21 @@ void CheckAlive(Context& context, const Handles& h) {
 void CheckHandles(Context& context) {
     Report& report = context.report;
     const Functions& g = context.gentl;
-    report.Enter("one module of each kind open");
+    report.Enter("nothing open");
     report.Success("GCInitLib", g.GCInitLib());
     Handles handles;
+    Sweep(context, handles, "", Made());
+    report.Enter("one module of each kind open");
     if (OpenAll(context, handles)) {
-        Sweep(context, handles, "a live",
-              [](const HandleCall& row, const Handle& handle) { return (row.accepted & handle.kind) == 0; });
+        Sweep(context, handles, "", Made());
+        Sweep(context, handles, "a live ", handles.All());
         CheckAlive(context, handles);
         report.Enter("all of them closed");
         report.Success("TLClose", g.TLClose(handles.system));
-        Sweep(context, handles, "a closed", [](const HandleCall&, const Handle&) { return true; });
+        std::vector<Handle> closed = handles.All();
+        for (Handle& handle : closed)
+            handle.kind = Kind{};
+        Sweep(context, handles, "a closed ", closed);
     }
     report.Success("GCCloseLib", g.GCCloseLib());
 }

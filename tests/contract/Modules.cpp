@@ -103,62 +103,6 @@ void CheckOpenRefusals(Context& context, const std::string& function, const std:
     report.Result(function + "(no place)", open(id.c_str(), nullptr), {GC_ERR_INVALID_PARAMETER});
 }
 
-void RefuseSystemHandles(Context& context) {
-    const Functions& g = context.gentl;
-    char text[64];
-    size_t size = sizeof text;
-    INFO_DATATYPE type = 0;
-    void* out = nullptr;
-    uint32_t count = 0;
-    RefusesHandles(context, "TLClose", [&](void* h) { return g.TLClose(h); });
-    RefusesHandles(context, "TLGetInfo", [&](void* h) { return g.TLGetInfo(h, 0, &type, text, &size); });
-    RefusesHandles(context, "TLUpdateInterfaceList",
-                   [&](void* h) { return g.TLUpdateInterfaceList(h, nullptr, 0); });
-    RefusesHandles(context, "TLGetNumInterfaces", [&](void* h) { return g.TLGetNumInterfaces(h, &count); });
-    RefusesHandles(context, "TLGetInterfaceID",
-                   [&](void* h) { return g.TLGetInterfaceID(h, 0, text, &size); });
-    RefusesHandles(context, "TLGetInterfaceInfo",
-                   [&](void* h) { return g.TLGetInterfaceInfo(h, "x", 0, &type, text, &size); });
-    RefusesHandles(context, "TLOpenInterface", [&](void* h) { return g.TLOpenInterface(h, "x", &out); });
-}
-
-void RefuseInterfaceHandles(Context& context) {
-    const Functions& g = context.gentl;
-    char text[64];
-    size_t size = sizeof text;
-    INFO_DATATYPE type = 0;
-    void* out = nullptr;
-    uint32_t count = 0;
-    RefusesHandles(context, "IFClose", [&](void* h) { return g.IFClose(h); });
-    RefusesHandles(context, "IFGetInfo", [&](void* h) { return g.IFGetInfo(h, 0, &type, text, &size); });
-    RefusesHandles(context, "IFGetParentTL", [&](void* h) { return g.IFGetParentTL(h, &out); });
-    RefusesHandles(context, "IFUpdateDeviceList",
-                   [&](void* h) { return g.IFUpdateDeviceList(h, nullptr, 0); });
-    RefusesHandles(context, "IFGetNumDevices", [&](void* h) { return g.IFGetNumDevices(h, &count); });
-    RefusesHandles(context, "IFGetDeviceID", [&](void* h) { return g.IFGetDeviceID(h, 0, text, &size); });
-    RefusesHandles(context, "IFGetDeviceInfo",
-                   [&](void* h) { return g.IFGetDeviceInfo(h, "x", 0, &type, text, &size); });
-    RefusesHandles(context, "IFOpenDevice", [&](void* h) { return g.IFOpenDevice(h, "x", 3, &out); });
-}
-
-void RefuseDeviceHandles(Context& context) {
-    const Functions& g = context.gentl;
-    char text[64];
-    size_t size = sizeof text;
-    INFO_DATATYPE type = 0;
-    void* out = nullptr;
-    uint32_t count = 0;
-    RefusesHandles(context, "DevClose", [&](void* h) { return g.DevClose(h); });
-    RefusesHandles(context, "DevGetInfo", [&](void* h) { return g.DevGetInfo(h, 0, &type, text, &size); });
-    RefusesHandles(context, "DevGetParentIF", [&](void* h) { return g.DevGetParentIF(h, &out); });
-    RefusesHandles(context, "DevGetPort", [&](void* h) { return g.DevGetPort(h, &out); });
-    RefusesHandles(context, "DevGetNumDataStreams",
-                   [&](void* h) { return g.DevGetNumDataStreams(h, &count); });
-    RefusesHandles(context, "DevGetDataStreamID",
-                   [&](void* h) { return g.DevGetDataStreamID(h, 0, text, &size); });
-    RefusesHandles(context, "DevOpenDataStream", [&](void* h) { return g.DevOpenDataStream(h, "x", &out); });
-}
-
 int32_t AccessStatus(const std::function<InfoCall(int32_t)>& infoOf) {
     return ValueOf<int32_t>(infoOf(DEVICE_INFO_ACCESS_STATUS), DEVICE_ACCESS_STATUS_UNKNOWN);
 }
@@ -168,7 +112,6 @@ int32_t AccessStatus(const std::function<InfoCall(int32_t)>& infoOf) {
 void CheckSystem(Context& context, TL_HANDLE system) {
     Report& report = context.report;
     const Functions& g = context.gentl;
-    RefuseSystemHandles(context);
     uint32_t count = 7;
     report.Success("TLGetNumInterfaces before an update", g.TLGetNumInterfaces(system, &count));
     report.Equal("TLGetNumInterfaces before an update", count, 0U);
@@ -209,7 +152,6 @@ void CheckInterface(Context& context, TL_HANDLE system, const std::string& id) {
     IF_HANDLE second = nullptr;
     report.Result("TLOpenInterface again", g.TLOpenInterface(system, id.c_str(), &second),
                   {GC_ERR_RESOURCE_IN_USE});
-    RefuseInterfaceHandles(context);
     const auto infoOf = [&](int32_t command) -> InfoCall {
         return [&context, interface, command](INFO_DATATYPE* type, void* data, size_t* size) {
             return context.gentl.IFGetInfo(interface, command, type, data, size);
@@ -267,7 +209,6 @@ void CheckDevice(Context& context, IF_HANDLE interface, const std::string& id) {
     report.Result("IFOpenDevice again",
                   g.IFOpenDevice(interface, id.c_str(), DEVICE_ACCESS_EXCLUSIVE, &second),
                   {GC_ERR_RESOURCE_IN_USE});
-    RefuseDeviceHandles(context);
     const auto infoOf = [&](int32_t command) -> InfoCall {
         return [&context, device, command](INFO_DATATYPE* type, void* data, size_t* size) {
             return context.gentl.DevGetInfo(device, command, type, data, size);

@@ -56,29 +56,6 @@ bool ParseLocal(const std::string& url, Place& place) {
     return place.length > 0;
 }
 
-void RefusePortHandles(Context& context) {
-    const Functions& g = context.gentl;
-    char text[64];
-    size_t size = 8;
-    INFO_DATATYPE type = 0;
-    uint32_t count = 0;
-    PORT_REGISTER_STACK_ENTRY entry{0, text, 8};
-    RefusesHandles(context, "GCGetPortInfo",
-                   [&](void* h) { return g.GCGetPortInfo(h, 0, &type, text, &size); });
-    RefusesHandles(context, "GCGetNumPortURLs", [&](void* h) { return g.GCGetNumPortURLs(h, &count); });
-    RefusesHandles(context, "GCGetPortURLInfo",
-                   [&](void* h) { return g.GCGetPortURLInfo(h, 0, 0, &type, text, &size); });
-    RefusesHandles(context, "GCGetPortURL", [&](void* h) { return g.GCGetPortURL(h, text, &size); });
-    RefusesHandles(context, "GCReadPort", [&](void* h) { return g.GCReadPort(h, 0, text, &size); });
-    RefusesHandles(context, "GCWritePort", [&](void* h) { return g.GCWritePort(h, 0, text, &size); });
-    size_t entries = 1;
-    RefusesHandles(context, "GCReadPortStacked",
-                   [&](void* h) { return g.GCReadPortStacked(h, &entry, &entries); });
-    entries = 1;
-    RefusesHandles(context, "GCWritePortStacked",
-                   [&](void* h) { return g.GCWritePortStacked(h, &entry, &entries); });
-}
-
 /// Reading, with the description as the one register that every port has.
 void CheckAccess(Context& context, const std::string& which, void* port, const Place& place) {
     Report& report = context.report;
@@ -140,7 +117,6 @@ void CheckAccess(Context& context, const std::string& which, void* port, const P
 void CheckPort(Context& context, const std::string& which, void* port, const char* module) {
     Report& report = context.report;
     const Functions& g = context.gentl;
-    RefusePortHandles(context);
     const auto infoOf = [&](int32_t command) -> InfoCall {
         return [&context, port, command](INFO_DATATYPE* type, void* data, size_t* size) {
             return context.gentl.GCGetPortInfo(port, command, type, data, size);
