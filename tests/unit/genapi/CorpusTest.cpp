@@ -283,6 +283,13 @@ bool HasFunctionAsVariable(const Closure& closure) {
     });
 }
 
+bool HasBooleanVariable(const Opened& opened, INode* node) {
+    const std::vector<std::string> variables = opened.Texts(node, "pVariable");
+    return std::any_of(variables.begin(), variables.end(), [&](const std::string& name) {
+        return CBooleanPtr(opened.map._GetNode(name.c_str())).IsValid();
+    });
+}
+
 /// A formula whose own value can't be computed, not only that of what it reads.
 bool HasFailingFormula(INode* node) {
     const std::string name = std::string("'") + node->GetName().c_str() + "'";
@@ -295,16 +302,17 @@ bool HasFailingFormula(INode* node) {
 /// there is due to that; null where there is nothing of it.
 struct Alternatives {
     Alternatives(const std::string& xml, const Opened& opened)
-        : unpadded(Unpadded(xml)), unswapped(Without(xml, "<SwapEndianess>[^<]*</[^>]*>")),
-          zeroed(Zeroed(xml, opened)) {}
+        : unpadded(Unpadded(xml)), unswapped(Replaced(xml, "<SwapEndianess>[^<]*</[^>]*>", "")),
+          inFloats(Replaced(xml, "<(/?)IntConverter\\b", "<$1Converter")), zeroed(Zeroed(xml, opened)) {}
 
     const std::unique_ptr<Opened> unpadded;  ///< references with white space around them lead nowhere
     const std::unique_ptr<Opened> unswapped; ///< ports take bytes as they come
+    const std::unique_ptr<Opened> inFloats;  ///< no converter computes in integers
     const std::unique_ptr<Opened> zeroed;    ///< formulas that the other side can't compute are 0
 
 private:
-    static std::unique_ptr<Opened> Without(const std::string& xml, const char* pattern) {
-        const std::string rest = std::regex_replace(xml, std::regex(pattern), "");
+    static std::unique_ptr<Opened> Replaced(const std::string& xml, const char* pattern, const char* by) {
+        const std::string rest = std::regex_replace(xml, std::regex(pattern), by);
         return rest == xml ? nullptr : std::make_unique<Opened>(rest);
     }
 
@@ -327,7 +335,8 @@ private:
         for (INode* node : nodes) {
             const Closure own(opened, node);
             const bool unknown = own.HasFormula(integerAbs) && CIntegerPtr(node).IsValid();
-            if (unknown || HasFunctionAsVariable(own) || HasFailingFormula(node))
+            if (unknown || HasFunctionAsVariable(own) || HasBooleanVariable(opened, node) ||
+                HasFailingFormula(node))
                 names.insert(node->GetName().c_str());
         }
         if (names.empty())
@@ -423,7 +432,10 @@ const char* ReasonForZero(const Difference& d, const Closure& closure) {
         return "a variable may be named like a function";
     if (closure.Any(HasFailingFormula))
         return "a formula without a value is an error, not 0";
-    return closure.HasFormula(integerAbs) ? "integer formulas may use every function" : "";
+    if (closure.HasFormula(integerAbs))
+        return "integer formulas may use every function";
+    const auto hasBoolean = [&](INode* node) { return HasBooleanVariable(d.subject.opened, node); };
+    return closure.Any(hasBoolean) ? "a Boolean may stand in a formula" : "";
 }
 
 /// Their limits are those of the value behind a converter, put through the formula whatever the slope.
@@ -434,6 +446,13 @@ bool IsConverterLimit(const Difference& d, const Closure& closure) {
     const Json& row = d.subject.row;
     return IsOpenEnd(d.ours.text) ||
            (row.contains(opposite) && Same(d.ours, {TheirText(opposite, row.at(opposite)), false}));
+}
+
+/// As the other side has value and entries.
+bool HasNoEntryOfItsValue(const Json& row) {
+    const Json& entries = row.at("entries");
+    return std::none_of(entries.begin(), entries.end(),
+                        [&](const Json& entry) { return entry.at("v") == row.at("ivalue"); });
 }
 
 /// What both sides can be asked for, without a doubt of theirs.
@@ -453,7 +472,8 @@ std::string ReasonOutside(const Difference& d) {
         return "references to nodes that are missing";
     if (d.WeFailWith("has an impossible length"))
         return "lengths beyond all reason are refused";
-    if (d.kind == "svalue" && d.WeFailWith("has no entry") && d.theirs.text.empty())
+    if (d.kind == "svalue" && d.WeFailWith("has no entry") && d.theirs.text.empty() &&
+        HasNoEntryOfItsValue(d.subject.row))
         return "a value without an entry is an error";
     if (d.kind == "inc" && IsOneOf(d.ours.text, {"1", "none"}) && std::atof(d.theirs.text.c_str()) <= 0)
         return "an increment of 0 or below counts as none";
@@ -484,22 +504,17 @@ std::string Reason(const Difference& d) {
         return "SwapEndianess";
     if (d.IsLimit() && d.kind != "inc" && IsConverterLimit(d, closure))
         return "limits of a converter follow its slope, and open ends stay open";
-    const bool bareBoolean = closure.Any([&](INode* node) {
-        return CBooleanPtr(node).IsValid() && d.subject.opened.Texts(node, "OnValue").empty() &&
-               d.subject.opened.Texts(node, "OffValue").empty();
-    });
-    if (bareBoolean)
+    const bool bareBoolean = CBooleanPtr(d.subject.node).IsValid() &&
+                             d.subject.opened.Texts(d.subject.node, "OnValue").empty() &&
+                             d.subject.opened.Texts(d.subject.node, "OffValue").empty();
+    if (bareBoolean && d.ours.text == "1" && d.theirs.text == "0")
         return "without OnValue and OffValue all but 0 is true";
-    const bool booleanVariable = closure.HasProperty("pVariable") &&
-                                 closure.Any([](INode* node) { return CBooleanPtr(node).IsValid(); });
-    if (booleanVariable)
-        return "a Boolean may stand in a formula";
     if (d.IsLimit() && closure.Any([](INode* node) { return CEnumerationPtr(node).IsValid(); }))
         return "the limits of an enumeration are those of its entries";
     const bool integerConverter = closure.Any([&](INode* node) {
         return CIntegerPtr(node).IsValid() && !d.subject.opened.Texts(node, "FormulaFrom").empty();
     });
-    if (integerConverter)
+    if (integerConverter && AgreesWith(d, d.subject.otherwise.inFloats))
         return "IntConverter is evaluated in integers";
     return "";
 }
