@@ -150,3 +150,10 @@ std::string Failure(const std::function<void()>& work) {
     ADD_FAILURE() << "no exception";
     return {};
 }
+
+/// The value of a node's property; "(none)" where it has none.
+inline GenICam::gcstring Property(Camera& camera, const std::string& node, const char* name) {
+    GenICam::gcstring value;
+    GenICam::gcstring attribute;
+    return camera.Node(node)->GetProperty(name, value, attribute) ? value : GenICam::gcstring("(none)");
+}

@@ -14,12 +14,6 @@ std::string Refusal(const std::string& nodes) {
     return Failure<RuntimeException>([&] { Camera camera(nodes); });
 }
 
-gcstring Property(Camera& camera, const std::string& node, const char* name) {
-    gcstring value;
-    gcstring attribute;
-    return camera.Node(node)->GetProperty(name, value, attribute) ? value : gcstring("(none)");
-}
-
 } // namespace
 
 TEST(Document, ElementsAreKnownByTheirLocalNames) {

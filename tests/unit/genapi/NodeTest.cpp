@@ -25,12 +25,6 @@ Names Children(Camera& camera, const std::string& node, ELinkType type) {
     return NamesOf(nodes);
 }
 
-gcstring Property(Camera& camera, const std::string& node, const char* name) {
-    gcstring value;
-    gcstring attribute;
-    return camera.Node(node)->GetProperty(name, value, attribute) ? value : gcstring("(none)");
-}
-
 } // namespace
 
 TEST(Node, PrincipalInterfaceFollowsItsType) {
