@@ -21,7 +21,7 @@ constexpr std::string_view kSuffix = ".zqgenapi";
 constexpr std::string_view kUnfinishedSuffix = ".zqgenapi-new";
 
 /// To be raised whenever an image of the same layout means something else.
-constexpr uint32_t kVersion = 3;
+constexpr uint32_t kVersion = 4;
 
 /// Another compiler, or another version of the structures, lays out other images.
 constexpr uint32_t LayoutNumber() {

@@ -14,17 +14,30 @@ int64_t Truncate(double value);
 /// To the nearest, halves away from zero; saturating like Truncate.
 int64_t Round(double value);
 
-/// A number that knows whether it is whole.
+/// A number that knows whether it is whole. Small enough to travel in two registers.
 struct Number {
     bool isInteger = true;
-    int64_t integer = 0;
-    double real = 0;
+    union {
+        int64_t integer = 0;
+        double real;
+    };
 
-    static constexpr Number Of(int64_t value) { return {true, value, static_cast<double>(value)}; }
-    static constexpr Number Of(double value) { return {false, 0, value}; }
+    static constexpr Number Of(int64_t value) {
+        Number number;
+        number.integer = value;
+        return number;
+    }
+    static constexpr Number Of(double value) { return Number(value); }
+    constexpr Number() {}
     double AsDouble() const { return isInteger ? static_cast<double>(integer) : real; }
     int64_t AsInteger() const { return isInteger ? integer : Truncate(real); }
+    bool IsTrue() const { return isInteger ? integer != 0 : real != 0; }
+
+private:
+    explicit constexpr Number(double value) : isInteger(false), real(value) {}
 };
+
+static_assert(sizeof(Number) <= 16, "passed and returned in two registers");
 
 /// Without the white space at both ends.
 std::string_view Trim(std::string_view text);

@@ -8,29 +8,6 @@ namespace GENAPI_NAMESPACE::inside {
 
 namespace {
 
-/// An operand, small enough to be passed in two registers; a float by its bits.
-struct Operand {
-    bool isInteger;
-    int64_t integer;
-
-    static Operand Of(int64_t value) { return {true, value}; }
-    static Operand Of(double value) {
-        Operand result{false, 0};
-        std::memcpy(&result.integer, &value, sizeof(value));
-        return result;
-    }
-    static Operand Of(bool value) { return Of(int64_t{value}); }
-    double Real() const {
-        double value;
-        std::memcpy(&value, &integer, sizeof(value));
-        return value;
-    }
-    double AsDouble() const { return isInteger ? static_cast<double>(integer) : Real(); }
-    int64_t AsInteger() const { return isInteger ? integer : Truncate(Real()); }
-    Number AsNumber() const { return isInteger ? Number::Of(integer) : Number::Of(Real()); }
-    bool IsTrue() const { return isInteger ? integer != 0 : Real() != 0; }
-};
-
 /// Evaluation has met a name that nobody declares.
 struct UndefinedName {
     uint32_t number;
@@ -41,6 +18,10 @@ int64_t Wrap(uint64_t value) {
 }
 uint64_t Bits(int64_t value) {
     return static_cast<uint64_t>(value);
+}
+
+Number Logical(bool value) {
+    return Number::Of(int64_t{value});
 }
 
 int64_t IntegerPower(int64_t base, int64_t exponent) {
@@ -74,7 +55,7 @@ double RealDivide(double left, double right) {
 
 // In a float formula whole numbers stay whole as long as they fit: (HI<<32)|LO must be exact.
 template <Op op>
-inline Operand Arithmetic(Operand left, Operand right, bool integerOnly) {
+inline Number Arithmetic(Number left, Number right, bool integerOnly) {
     if (left.isInteger && right.isInteger) {
         int64_t result = 0;
         bool overflow = false;
@@ -85,16 +66,16 @@ inline Operand Arithmetic(Operand left, Operand right, bool integerOnly) {
         else
             overflow = __builtin_mul_overflow(left.integer, right.integer, &result);
         if (!overflow || integerOnly)
-            return Operand::Of(result);
+            return Number::Of(result);
     }
     const double a = left.AsDouble();
     const double b = right.AsDouble();
-    return Operand::Of(op == Op::Add ? a + b : op == Op::Subtract ? a - b : a * b);
+    return Number::Of(op == Op::Add ? a + b : op == Op::Subtract ? a - b : a * b);
 }
 
-inline Operand Divide(Operand left, Operand right, bool integerOnly) {
-    return integerOnly ? Operand::Of(IntegerDivide(left.integer, right.integer, false))
-                       : Operand::Of(RealDivide(left.AsDouble(), right.AsDouble()));
+inline Number Divide(Number left, Number right, bool integerOnly) {
+    return integerOnly ? Number::Of(IntegerDivide(left.integer, right.integer, false))
+                       : Number::Of(RealDivide(left.AsDouble(), right.AsDouble()));
 }
 
 template <class T>
@@ -115,36 +96,36 @@ bool Compare(Op op, T left, T right) {
     }
 }
 
-Operand Bitwise(Op op, int64_t left, int64_t right) {
+Number Bitwise(Op op, int64_t left, int64_t right) {
     switch (op) {
     case Op::Or:
-        return Operand::Of(left | right);
+        return Number::Of(left | right);
     case Op::Xor:
-        return Operand::Of(left ^ right);
+        return Number::Of(left ^ right);
     case Op::And:
-        return Operand::Of(left & right);
+        return Number::Of(left & right);
     case Op::ShiftLeft:
-        return Operand::Of(Wrap(Bits(left) << (right & 63)));
+        return Number::Of(Wrap(Bits(left) << (right & 63)));
     default:
-        return Operand::Of(left >> (right & 63));
+        return Number::Of(left >> (right & 63));
     }
 }
 
-Operand PowerOf(Operand left, Operand right, bool integerOnly) {
+Number PowerOf(Number left, Number right, bool integerOnly) {
     if (integerOnly || (left.isInteger && right.isInteger && right.integer >= 0)) {
         const double real = std::pow(left.AsDouble(), right.AsDouble());
         if (integerOnly || std::fabs(real) < 9.2e18)
-            return Operand::Of(IntegerPower(left.AsInteger(), right.AsInteger()));
-        return Operand::Of(real);
+            return Number::Of(IntegerPower(left.AsInteger(), right.AsInteger()));
+        return Number::Of(real);
     }
-    return Operand::Of(std::pow(left.AsDouble(), right.AsDouble()));
+    return Number::Of(std::pow(left.AsDouble(), right.AsDouble()));
 }
 
 // The operators that Run leaves to it.
-Operand Binary(Op op, Operand left, Operand right, bool integerOnly) {
+Number Binary(Op op, Number left, Number right, bool integerOnly) {
     switch (op) {
     case Op::Modulo:
-        return Operand::Of(IntegerDivide(left.AsInteger(), right.AsInteger(), true));
+        return Number::Of(IntegerDivide(left.AsInteger(), right.AsInteger(), true));
     case Op::Power:
         return PowerOf(left, right, integerOnly);
     case Op::Or:
@@ -154,9 +135,8 @@ Operand Binary(Op op, Operand left, Operand right, bool integerOnly) {
     case Op::ShiftRight:
         return Bitwise(op, left.AsInteger(), right.AsInteger());
     default:
-        return Operand::Of(left.isInteger && right.isInteger
-                               ? Compare(op, left.integer, right.integer)
-                               : Compare(op, left.AsDouble(), right.AsDouble()));
+        return Logical(left.isInteger && right.isInteger ? Compare(op, left.integer, right.integer)
+                                                         : Compare(op, left.AsDouble(), right.AsDouble()));
     }
 }
 
@@ -203,58 +183,56 @@ double RealFunction(Function function, double x, double digits) {
     return std::round(x * scale) / scale;
 }
 
-Operand Call(const Instruction& call, Operand x, Operand digits, bool integerOnly) {
+Number Call(const Instruction& call, Number x, Number digits, bool integerOnly) {
     const auto function = static_cast<Function>(call.argument);
     const bool rounding = function == Function::Trunc || function == Function::Floor ||
                           function == Function::Ceil || function == Function::Round;
     if (x.isInteger) {
         if (function == Function::Sgn)
-            return Operand::Of(int64_t{x.integer > 0} - int64_t{x.integer < 0});
+            return Number::Of(int64_t{x.integer > 0} - int64_t{x.integer < 0});
         if (function == Function::Neg)
-            return Operand::Of(Wrap(0 - Bits(x.integer)));
+            return Number::Of(Wrap(0 - Bits(x.integer)));
         if (function == Function::Abs)
-            return x.integer < 0 ? Operand::Of(Wrap(0 - Bits(x.integer))) : x;
+            return x.integer < 0 ? Number::Of(Wrap(0 - Bits(x.integer))) : x;
         if (rounding && (integerOnly || function != Function::Round || digits.AsDouble() >= 0))
             return x;
     }
     const double result = RealFunction(function, x.AsDouble(), digits.AsDouble());
-    return integerOnly ? Operand::Of(Truncate(result)) : Operand::Of(result);
+    return integerOnly ? Number::Of(Truncate(result)) : Number::Of(result);
 }
 
-Operand UnaryOf(Op op, Operand x) {
+Number UnaryOf(Op op, Number x) {
     switch (op) {
     case Op::Truth:
-        return Operand::Of(x.IsTrue());
+        return Logical(x.IsTrue());
     case Op::Not:
-        return Operand::Of(!x.IsTrue());
+        return Logical(!x.IsTrue());
     case Op::Invert:
-        return Operand::Of(~x.AsInteger());
+        return Number::Of(~x.AsInteger());
     default:
-        return x.isInteger ? Operand::Of(Wrap(0 - Bits(x.integer))) : Operand::Of(-x.Real());
+        return x.isInteger ? Number::Of(Wrap(0 - Bits(x.integer))) : Number::Of(-x.real);
     }
 }
 
-Operand LoadVariable(bool integer, uint32_t slot, VariableValues& values) {
+Number LoadVariable(bool integer, uint32_t slot, VariableValues& values) {
     const Number value = values.Value(slot);
-    if (integer || value.isInteger)
-        return Operand::Of(value.AsInteger());
-    return Operand::Of(value.real);
+    return integer ? Number::Of(value.AsInteger()) : value;
 }
 
 /// Without values, there are no variables. The last operand is kept beside the stack, whose first place
 /// nobody reads.
-Number Run(const Instruction* code, size_t count, bool integer, VariableValues* values, Operand* stack) {
-    Operand last{};
+Number Run(const Instruction* code, size_t count, bool integer, VariableValues* values, Number* stack) {
+    Number last{};
     for (size_t next = 0; next < count;) {
         const Instruction& step = code[next++];
         switch (step.op) {
         case Op::PushInteger:
             *stack++ = last;
-            last = Operand::Of(step.integer);
+            last = Number::Of(step.integer);
             break;
         case Op::PushReal:
             *stack++ = last;
-            last = Operand::Of(step.real);
+            last = Number::Of(step.real);
             break;
         case Op::Load:
             *stack++ = last;
@@ -278,7 +256,7 @@ Number Run(const Instruction* code, size_t count, bool integer, VariableValues* 
             break;
         case Op::Function:
             if (step.count == 1 && !last.isInteger && !integer)
-                last = Operand::Of(RealFunction(static_cast<Function>(step.argument), last.Real(), 0));
+                last = Number::Of(RealFunction(static_cast<Function>(step.argument), last.real, 0));
             else
                 last = step.count > 1 ? Call(step, *--stack, last, integer) : Call(step, last, {}, integer);
             break;
@@ -298,14 +276,14 @@ Number Run(const Instruction* code, size_t count, bool integer, VariableValues* 
             last = Binary(step.op, *--stack, last, integer);
         }
     }
-    return last.AsNumber();
+    return last;
 }
 
 } // namespace
 
 std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, bool integer) {
-    constexpr size_t kMostOperands = 2; // of any step
-    std::array<Operand, kMostOperands> stack;
+    constexpr size_t kMostNumbers = 2; // of any step
+    std::array<Number, kMostNumbers> stack;
     try {
         return Run(code, count, integer, nullptr, stack.data());
     } catch (const FormulaError&) {
@@ -315,15 +293,18 @@ std::optional<Number> EvaluateConstants(const Instruction* code, size_t count, b
 
 Number EvaluateFormula(const Formula& formula, VariableValues& values) {
     constexpr size_t kUsualStack = 32;
-    const auto run = [&](Operand* stack) {
+    const auto run = [&](Number* stack) {
         return Run(formula.code.begin(), formula.code.size(), formula.integer, &values, stack);
     };
     try {
         if (formula.stackSize <= kUsualStack) {
-            std::array<Operand, kUsualStack> stack;
-            return run(stack.data());
+            union Stack { // clearing it would take as long as a formula
+                Stack() {}
+                Number places[kUsualStack];
+            } stack;
+            return run(stack.places);
         }
-        std::vector<Operand> stack(formula.stackSize);
+        std::vector<Number> stack(formula.stackSize);
         return run(stack.data());
     } catch (const UndefinedName& name) {
         throw FormulaError("'" + formula.undefined[name.number].Copy() + "' is not defined");

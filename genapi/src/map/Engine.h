@@ -19,7 +19,7 @@ public:
     explicit Engine(std::shared_ptr<const Description> description);
 
     const Description& GetDescription() const { return *m_description; }
-    const NodeDescription& Node(NodeIndex node) const { return m_description->nodes[node]; }
+    const NodeDescription& Node(NodeIndex node) const { return m_nodes[node]; }
     /// What is kept in it is not out of date.
     NodeState& State(NodeIndex node) {
         NodeState& state = m_states[node];
@@ -235,6 +235,7 @@ private:
     bool IsPollingDue(size_t which, int64_t elapsed);
 
     std::shared_ptr<const Description> m_description;
+    const NodeDescription* m_nodes; ///< of the description
     std::vector<NodeState> m_states;
     SharedWords m_words;
     std::vector<Place> m_places;                        ///< by register slot

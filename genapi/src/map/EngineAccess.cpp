@@ -115,7 +115,7 @@ Engine::Truth Engine::Ask(NodeIndex predicate) {
         return Truth::Unknown;
     try {
         const Number value = ReadNumber(predicate);
-        return (value.isInteger ? value.integer != 0 : value.real != 0) ? Truth::True : Truth::False;
+        return value.IsTrue() ? Truth::True : Truth::False;
     } catch (const GENICAM_NAMESPACE::GenericException&) {
         return Truth::Unknown;
     }

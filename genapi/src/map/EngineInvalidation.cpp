@@ -25,11 +25,12 @@ void Engine::MarkChanged(NodeIndex node) {
 }
 
 void Engine::Reach(NodeIndex node, Stale what) {
-    if (m_states[node].visit == m_visit)
+    NodeState& state = m_states[node];
+    if (state.visit == m_visit)
         return;
-    m_states[node].visit = m_visit;
+    state.visit = m_visit;
     Drop(node, what);
-    if (Node(node).selectsAllRegisters || !m_description->dependents.Of(node).IsEmpty())
+    if (state.spreads)
         m_open.push_back(node);
 }
 

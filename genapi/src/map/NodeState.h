@@ -8,7 +8,8 @@ struct IPort;
 
 namespace GENAPI_NAMESPACE::inside {
 
-/// What one node map knows of one node. Small, because every stream buffer may have a node map of its own.
+/// What one node map knows of one node. Small, because every stream buffer may have a node
+/// map of its own; the flags are bytes, because reading single bits takes longer than the rest.
 struct NodeState {
     union {
         int64_t integer = 0;
@@ -20,22 +21,19 @@ struct NodeState {
     uint8_t modeOverPort = 0; ///< what the mode would be if the port could be written
     uint8_t imposedMode = RW;
     uint8_t imposedVisibility = Beginner;
-    bool valueKept : 1;
-    bool modeKept : 1;
-    bool ownsValue : 1; ///< the value lives here and nowhere else
-    bool evaluating : 1;
-    bool askingMode : 1;
-    bool hasCallbacks : 1;
-    bool changed : 1;     ///< waits for its callbacks
-    bool active : 1;      ///< a command that has been executed and not been seen done
-    bool behindChunk : 1; ///< what is kept may come from a chunk
-
-    NodeState()
-        : valueKept(false), modeKept(false), ownsValue(false), evaluating(false), askingMode(false),
-          hasCallbacks(false), changed(false), active(false), behindChunk(false) {}
+    bool valueKept = false;
+    bool modeKept = false;
+    bool ownsValue = false; ///< the value lives here and nowhere else
+    bool evaluating = false;
+    bool askingMode = false;
+    bool hasCallbacks = false;
+    bool changed = false;     ///< waits for its callbacks
+    bool active = false;      ///< a command that has been executed and not been seen done
+    bool behindChunk = false; ///< what is kept may come from a chunk
+    bool spreads = false;     ///< others become stale with it
 };
 
-static_assert(sizeof(NodeState) <= 24, "a node map has thousands");
+static_assert(sizeof(NodeState) <= 32, "a node map has thousands");
 
 /// Where a register's kept value was read.
 struct Place {
