@@ -10,7 +10,9 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -438,14 +440,104 @@ const char* ReasonForZero(const Difference& d, const Closure& closure) {
     return closure.Any(hasBoolean) ? "a Boolean may stand in a formula" : "";
 }
 
-/// Their limits are those of the value behind a converter, put through the formula whatever the slope.
+/// A converter whose formula neither rises nor falls all the way, or one over a value that can't be read or
+/// is open at one end at least; floats of four bytes are open at the ends of theirs.
+bool HasOpenRange(const Opened& opened, INode* converter) {
+    if (opened.Texts(converter, "FormulaFrom").empty())
+        return false;
+    const std::vector<std::string> slope = opened.Texts(converter, "Slope");
+    if (!slope.empty() && slope.front() == "Varying")
+        return true;
+    for (const std::string& name : opened.Texts(converter, "pValue")) {
+        INode* const behind = opened.map._GetNode(name.c_str());
+        if (OurAnswer(behind, "value").failed)
+            return true;
+        for (const char* kind : {"min", "max"}) {
+            const std::string limit = OurAnswer(behind, kind).text;
+            if (IsOpenEnd(limit) || std::fabs(std::atof(limit.c_str())) == std::numeric_limits<float>::max())
+                return true;
+        }
+    }
+    return false;
+}
+
+/// Limits of the value behind a converter go through the formula. They sort the two, we follow the slope
+/// where one is declared, even when a device's values turn it round; they give numbers for ends that are
+/// open, and fail where the formula has no value.
 bool IsConverterLimit(const Difference& d, const Closure& closure) {
-    if (!closure.HasProperty("FormulaFrom"))
+    if (d.kind == "inc" || !closure.HasProperty("FormulaFrom"))
+        return false;
+    if (IsOpenEnd(d.ours.text))
+        return d.TheyFailWith("division by zero") ||
+               closure.Any([&](INode* node) { return HasOpenRange(d.subject.opened, node); });
+    const Json& row = d.subject.row;
+    if (d.theirs.failed || !row.contains("min") || !row.contains("max"))
         return false;
     const std::string opposite = d.kind == "min" ? "max" : "min";
-    const Json& row = d.subject.row;
-    return IsOpenEnd(d.ours.text) ||
-           (row.contains(opposite) && Same(d.ours, {TheirText(opposite, row.at(opposite)), false}));
+    static const std::regex declared("Increasing|Decreasing");
+    return Same(d.ours, {TheirText(opposite, row.at(opposite)), false}) &&
+           closure.HasText({"Slope"}, declared) &&
+           std::atof(TheirText("min", row.at("min")).c_str()) <=
+               std::atof(TheirText("max", row.at("max")).c_str());
+}
+
+/// What a register of that many bits holds, from the text of the description alone.
+std::string RangeOfBits(const Opened& opened, INode* reg, const std::string& kind) {
+    const auto number = [&](const char* property, long otherwise) {
+        const std::vector<std::string> texts = opened.Texts(reg, property);
+        return texts.empty() ? otherwise : std::strtol(texts.front().c_str(), nullptr, 0);
+    };
+    long bits = 8 * static_cast<long>(CRegisterPtr(reg)->GetLength());
+    if (!opened.Texts(reg, "Bit").empty())
+        bits = 1;
+    else if (!opened.Texts(reg, "LSB").empty())
+        bits = std::labs(number("MSB", 0) - number("LSB", 0)) + 1;
+    const std::vector<std::string> sign = opened.Texts(reg, "Sign");
+    const bool isSigned = !sign.empty() && sign.front() == "Signed";
+    constexpr long kWidest = 64;
+    if (isSigned || bits == kWidest) {
+        const int64_t highest = INT64_MAX >> (kWidest - bits);
+        return std::to_string(kind == "max"                ? highest
+                              : isSigned || bits < kWidest ? -highest - 1
+                                                           : INT64_MIN);
+    }
+    return kind == "max" ? std::to_string((uint64_t{1} << bits) - 1) : "0";
+}
+
+/// The tightest limit of the nodes that a value goes to.
+std::string LimitBehind(const Difference& d) {
+    const Opened& opened = d.subject.opened;
+    std::optional<double> tightest;
+    std::string text;
+    for (const char* property : {"pValue", "pValueCopy"})
+        for (const std::string& name : opened.Texts(d.subject.node, property)) {
+            const Answer limit = OurAnswer(opened.map._GetNode(name.c_str()), d.kind);
+            const double value = std::atof(limit.text.c_str());
+            if (tightest && (d.kind == "min" ? value <= *tightest : value >= *tightest))
+                continue;
+            tightest = value;
+            text = limit.text;
+        }
+    return text;
+}
+
+/// Where the description gives no limit the other side has none. Ours is that of the type, of the bits of the
+/// register or of the value behind.
+bool IsLimitByDefault(const Difference& d) {
+    const Opened& opened = d.subject.opened;
+    INode* const node = d.subject.node;
+    const std::string element = d.kind == "min" ? "Min" : d.kind == "max" ? "Max" : "Inc";
+    if (!d.IsLimit() || !opened.Texts(node, element.c_str()).empty() ||
+        !opened.Texts(node, ("p" + element).c_str()).empty())
+        return false;
+    if (d.kind == "inc")
+        return IsOneOf(d.ours.text, {"1", "none"}) || d.ours.text == LimitBehind(d);
+    if (IsOpenEnd(d.ours.text))
+        return true;
+    if (CRegisterPtr(node).IsValid() && CIntegerPtr(node).IsValid())
+        return d.ours.text == RangeOfBits(opened, node, d.kind);
+    const std::string behind = LimitBehind(d);
+    return !behind.empty() && Same(d.ours, {behind, false});
 }
 
 /// As the other side has value and entries.
@@ -457,11 +549,9 @@ bool HasNoEntryOfItsValue(const Json& row) {
 
 /// What both sides can be asked for, without a doubt of theirs.
 std::string ReasonOutside(const Difference& d) {
-    if (d.TheyFailWith("node not found"))
+    if (d.TheyFailWith("node not found") && IsLimitByDefault(d))
         return "a limit that the file does not give";
-    if (d.kind == "inc" && d.ours.text == "none" &&
-        (d.subject.opened.Texts(d.subject.node, "Inc").empty() &&
-         d.subject.opened.Texts(d.subject.node, "pInc").empty()))
+    if (d.kind == "inc" && d.ours.text == "none" && IsLimitByDefault(d))
         return "a limit that the file does not give"; // a float has no increment but its own
     if (d.TheyFailWith("Buffer not found") || d.TheyFailWith("Events not implemented") ||
         d.WeFailWith("is not connected"))
@@ -491,7 +581,7 @@ std::string Reason(const Difference& d) {
     if (!outside.empty())
         return outside;
     const Closure closure(d.subject.opened, d.subject.node, d.IsLimit());
-    if (closure.HasProperty("BuildError"))
+    if (closure.HasProperty("BuildError") && (d.ours.failed || IsOpenEnd(d.ours.text)))
         return "references to nodes that are missing";
     if (d.subject.opened.HasUnbuiltEntry(d.subject.node))
         return "entries without a Value element are left out";
