@@ -1,9 +1,9 @@
 // From the bytes that a device or a file holds to the text of a description.
 #include "Camera.h"
+#include "TemporaryFile.h"
 #include "ZipArchive.h"
 
 #include <filesystem>
-#include <fstream>
 
 using namespace GenICam;
 using namespace GenApi;
@@ -117,22 +117,18 @@ TEST(DescriptionText, ArchiveThatCannotBeUnpackedIsRefused) {
 TEST(DescriptionText, WhatIsTooLargeIsRefused) {
     EXPECT_EQ(Refusal(std::string(size_t{64} * 1024 * 1024 + 1, ' ')),
               "The description is larger than 67108864 bytes.");
-    const std::string file = testing::TempDir() + "genapi_large.xml";
-    std::ofstream(file) << "<RegisterDescription/>";
-    std::filesystem::resize_file(file, size_t{65} * 1024 * 1024);
-    EXPECT_EQ(Failure<RuntimeException>([&] { CNodeMapFactory(ContentType_Xml, file.c_str()).Preprocess(); }),
-              "The description is larger than 67108864 bytes.");
-    std::filesystem::remove(file);
+    const TemporaryFile file("<RegisterDescription/>");
+    std::filesystem::resize_file(file.Path(), size_t{65} * 1024 * 1024);
+    const auto load = [&] { CNodeMapFactory(ContentType_Xml, file.Path().c_str()).Preprocess(); };
+    EXPECT_EQ(Failure<RuntimeException>(load), "The description is larger than 67108864 bytes.");
 }
 
 TEST(DescriptionText, LongFilesAreReadWhole) {
-    const std::string file = testing::TempDir() + "genapi_long.xml";
     const std::string text(size_t{4} * 1024 * 1024, 'x');
-    std::ofstream(file) << WithToolTip(text);
+    const TemporaryFile file(WithToolTip(text));
     CNodeMapRef map(
-        CNodeMapFactory(ContentType_Xml, gcstring(file.c_str()), CacheUsage_Ignore).CreateNodeMap());
+        CNodeMapFactory(ContentType_Xml, gcstring(file.Path().c_str()), CacheUsage_Ignore).CreateNodeMap());
     EXPECT_TRUE(map._GetNode("Width")->GetToolTip() == text.c_str());
-    std::filesystem::remove(file);
 }
 
 TEST(DescriptionText, FilesThatCannotBeReadAreNamed) {

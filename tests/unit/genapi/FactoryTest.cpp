@@ -1,4 +1,5 @@
 #include "Camera.h"
+#include "TemporaryFile.h"
 #include "ZipArchive.h"
 
 #include <algorithm>
@@ -30,17 +31,19 @@ std::string Refusal(const std::string& bytes) {
 } // namespace
 
 TEST(Factory, TakesXmlFromEverySource) {
-    const std::string file = testing::TempDir() + "genapi_factory.xml";
-    std::ofstream(file) << kXml;
-    EXPECT_EQ(Width(CNodeMapFactory(ContentType_Xml, file.c_str()).CreateNodeMap()), 640);
+    std::string gone;
+    {
+        const TemporaryFile file(kXml);
+        EXPECT_EQ(Width(CNodeMapFactory(ContentType_Xml, file.Path().c_str()).CreateNodeMap()), 640);
+        CNodeMapRef map("Named");
+        map._LoadXMLFromFile(file.Path().c_str());
+        EXPECT_EQ(Width(map), 640);
+        EXPECT_TRUE(map._GetDeviceName() == "Named");
+        gone = file.Path();
+    }
     EXPECT_EQ(Width(CNodeMapFactory(kXml.c_str()).CreateNodeMap()), 640);
     EXPECT_EQ(Width(Open(kXml)), 640);
-    CNodeMapRef map("Named");
-    map._LoadXMLFromFile(file.c_str());
-    EXPECT_EQ(Width(map), 640);
-    EXPECT_TRUE(map._GetDeviceName() == "Named");
-    std::filesystem::remove(file);
-    EXPECT_THROW(CNodeMapFactory(ContentType_Xml, file.c_str()), RuntimeException);
+    EXPECT_THROW(CNodeMapFactory(ContentType_Xml, gone.c_str()), RuntimeException);
 }
 
 TEST(Factory, RecognisesZipByContent) {

@@ -9,6 +9,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 using namespace zqgentl;
 
 namespace {
@@ -42,8 +44,7 @@ protected:
 
     const std::filesystem::path path =
         std::filesystem::temp_directory_path() /
-        ("zqgentl-" + std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "-" +
-         std::to_string(reinterpret_cast<uintptr_t>(this)));
+        ("zqgentl-" + std::to_string(getpid()) + "-" + std::to_string(reinterpret_cast<uintptr_t>(this)));
 };
 
 } // namespace
