@@ -255,8 +255,11 @@ std::string Engine::WhyBaseNot(NodeIndex node, bool write, int depth) {
     if (description.reg) {
         const RegisterPart& reg = *description.reg;
         for (const AddressTerm& term : reg.terms)
-            if (!IsReadableNode(term.node))
-                return because(term.node, false);
+            for (const NodeIndex part : {term.node, term.offsetNode})
+                if (part != kNoNode && !IsReadableNode(part))
+                    return because(part, false);
+        if (reg.lengthNode != kNoNode && !IsReadableNode(reg.lengthNode))
+            return because(reg.lengthNode, false);
         if (write ? !IsWritable(reg.mode) : !IsReadable(reg.mode))
             return "its register is " + ModeText(reg.mode);
         if (HoldsData(reg.port))

@@ -199,7 +199,15 @@ TEST(Access, ReasonsReachTheNodeThatDecided) {
         "<IntReg Name=\"AtWo\"><pAddress>Wo</pAddress><Length>4</Length><AccessMode>RW</AccessMode>"
         "<pPort>Device</pPort></IntReg><IntReg Name=\"OffWo\"><pIndex "
         "pOffset=\"Wo\">I</pIndex><Length>4</Length>"
-        "<AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>" +
+        "<AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>"
+        "<IntReg Name=\"LongAsWo\"><Address>0</Address><pLength>Wo</pLength><AccessMode>RW</AccessMode>"
+        "<pPort>Device</pPort></IntReg>"
+        "<IntReg Name=\"LongAsI\"><Address>0</Address><pLength>I</pLength><AccessMode>WO</AccessMode>"
+        "<pPort>Device</pPort></IntReg>" +
+        IntReg("LockedWo", 0, 4, "<AccessMode>WO</AccessMode><pIsLocked>I</pIsLocked>") +
+        ::Node("SwissKnife", "Sum",
+               "<pVariable Name=\"W\">Wo</pVariable><pVariable Name=\"X\">I</pVariable>"
+               "<Formula>W.Max+X+W</Formula>") +
         IntReg("WoAtI", 16, 4, "<AccessMode>WO</AccessMode><pIndex Offset=\"4\">I</pIndex>") +
         ::Node("Command", "C", "<pValue>Rw</pValue><CommandValue>1</CommandValue>") +
         ::Node("Command", "OverRo", "<pValue>Ro</pValue><CommandValue>1</CommandValue>") +
@@ -223,7 +231,14 @@ TEST(Access, ReasonsReachTheNodeThatDecided) {
     };
     EXPECT_EQ(whyNotRead("AtWo"),
               "Node 'AtWo' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
-    EXPECT_EQ(camera.Mode("OffWo"), NA);
+    EXPECT_EQ(whyNotRead("OffWo"),
+              "Node 'OffWo' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
+    EXPECT_EQ(whyNotRead("LongAsWo"),
+              "Node 'LongAsWo' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
+    EXPECT_EQ(whyNotRead("LongAsI"), "Node 'LongAsI' is not readable: its register is WO (access mode WO).");
+    EXPECT_EQ(camera.Mode("LockedWo"), NA);
+    EXPECT_EQ(whyNotRead("Sum"),
+              "Node 'Sum' is not readable: 'Wo' is not readable, its register is WO (access mode NA).");
     EXPECT_EQ(whyNotRead("WoAtI"), "Node 'WoAtI' is not readable: its register is WO (access mode WO).");
     EXPECT_EQ(whyNotRead("OverC"),
               "Node 'OverC' is not readable: 'C' is not readable, it is a command (access mode WO).");
