@@ -275,6 +275,16 @@ TEST(Access, PortThatTakesNothingIsTheReason) {
               "Node 'R' is not readable: port 'Device' is WO (access mode WO).");
 }
 
+TEST(Access, PortOfChunksIsTheReasonWhenItIsConnectedAsWell) {
+    Camera camera("<Port Name=\"P\"><ChunkID>1</ChunkID></Port><IntReg Name=\"R\"><Address>0</Address>"
+                  "<Length>4</Length><AccessMode>RW</AccessMode><pPort>P</pPort></IntReg>");
+    FakePort chunks;
+    chunks.mode = WO;
+    ASSERT_TRUE(camera.map._Connect(&chunks, "P"));
+    EXPECT_EQ(Failure<AccessException>([&] { camera.Int("R")->GetValue(); }),
+              "Node 'R' is not readable: port 'P' is WO (access mode WO).");
+}
+
 TEST(Access, PredicateThatCannotBeReadMakesTheNodeUnavailable) {
     Camera camera(Feature("A", "<pIsImplemented>Wo</pIsImplemented><Value>1</Value>") +
                   Feature("B", "<pIsLocked>Wo</pIsLocked><Value>1</Value>") +

@@ -38,6 +38,15 @@ TEST(Caching, WriteAroundReadsOnceAfterAWrite) {
     EXPECT_EQ(camera.port.TakeReads(), 1);
 }
 
+TEST(Caching, BytesWrittenAroundItAreReadOnceToo) {
+    Camera camera(Register("StringReg", "Text", 0, 4, "<Cachable>WriteAround</Cachable>"));
+    camera.String("Text")->SetValue("abc");
+    camera.port.Put(0, {'x'}); // the device has made something else of it
+    EXPECT_EQ(camera.String("Text")->GetValue(), "xbc");
+    EXPECT_EQ(camera.String("Text")->GetValue(), "xbc");
+    EXPECT_EQ(camera.port.TakeReads(), 1);
+}
+
 TEST(Caching, NoCacheReadsEveryTimeThroughEveryLayer) {
     Camera camera(Feature("Outer", "K") + IntReg("R", 0, 4, "<Cachable>NoCache</Cachable>") +
                   ::Node("IntSwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>X+1</Formula>"));

@@ -106,6 +106,13 @@ TEST(ConcatenatedWrite, WithoutAListTheFirstFailureLeaves) {
     EXPECT_EQ(camera.Addresses(), (Addresses{100, 104}));
 }
 
+TEST(ConcatenatedWrite, WithoutAListSuccessIsTold) {
+    WritingCamera camera;
+    camera.values->Add("Width", 7);
+    EXPECT_TRUE(camera.map._Ptr->ConcatenatedWrite(camera.values.get()));
+    EXPECT_EQ(camera.Int("Width")->GetValue(), 7);
+}
+
 TEST(ConcatenatedWrite, TheDeviceIsToldWhenValuesStream) {
     WritingCamera camera(kStreaming);
     camera.port.Put(108, {1});
@@ -122,6 +129,19 @@ TEST(ConcatenatedWrite, TheDeviceIsToldWhenValuesStream) {
     camera.port.log.clear();
     EXPECT_TRUE(camera.Write(false));
     EXPECT_EQ(camera.Addresses(), (Addresses{0}));
+}
+
+TEST(ConcatenatedWrite, ADeviceThatCannotBeToldEndsNoStream) {
+    WritingCamera camera(kStreaming);
+    camera.port.Put(108, {1});
+    camera.values->Add("Width", 7);
+    camera.port.failure = true;
+    EXPECT_FALSE(camera.Write(true));
+    ASSERT_EQ(camera.errors.size(), 3u);
+    EXPECT_EQ(camera.errors[0], "DeviceRegistersStreamingStart: no answer");
+    EXPECT_EQ(camera.errors[1], "Width: no answer");
+    EXPECT_EQ(camera.errors[2], "DeviceRegistersValid: no answer");
+    EXPECT_EQ(camera.port.TakeWrites(), 2); // none for the end
 }
 
 TEST(ConcatenatedWrite, CallbacksRunOnceBehindTheLastValue) {

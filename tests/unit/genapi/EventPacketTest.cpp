@@ -222,6 +222,14 @@ TEST(EventPackets, ACallbackThatThrowsKeepsNobodyFromTheNextItem) {
     EXPECT_EQ(listener.heard.size(), 2u);
 }
 
+TEST(EventPackets, TheFirstItemsExceptionPassesWhenAnotherThrowsToo) {
+    Listener listener;
+    Register(listener.camera.Node("P9000"), [](INode*) { throw RUNTIME_EXCEPTION("of 9000"); });
+    Register(listener.camera.Node("P0004"), [](INode*) { throw RUNTIME_EXCEPTION("of 0004"); });
+    EXPECT_EQ(Failure<RuntimeException>([&] { listener.Gev(kEventTwice); }), "of 9000");
+    EXPECT_EQ(listener.heard.size(), 2u);
+}
+
 TEST(EventPackets, NullIsRefused) {
     EXPECT_THROW(CEventAdapterGEV().DeliverMessage(nullptr, 16), InvalidArgumentException);
     EXPECT_THROW(CEventAdapterU3V().DeliverMessage(nullptr, 16), InvalidArgumentException);

@@ -247,6 +247,22 @@ TEST(RawRegister, LengthMayComeFromANode) {
     EXPECT_THROW(camera.Value("R")->ToString(), AccessException);
 }
 
+TEST(IntegerRegister, AnotherLengthAtTheSameAddressIsReadAgain) {
+    Camera camera("<IntReg Name=\"R\"><Address>0</Address><pLength>L</pLength><AccessMode>RW</AccessMode>"
+                  "<pPort>Device</pPort></IntReg>" +
+                  IntReg("L", 100, 4, "<Cachable>NoCache</Cachable>") + IntReg("Over", 1, 1));
+    camera.port.Put(0, {1, 2, 3, 4});
+    camera.port.Put(100, {4});
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0x04030201);
+    camera.port.Put(100, {2});
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0x0201);
+    camera.port.TakeReads();
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0x0201);
+    EXPECT_EQ(camera.port.TakeReads(), 1); // of the length
+    camera.Int("Over")->SetValue(0x99);
+    EXPECT_EQ(camera.Int("R")->GetValue(), 0x9901);
+}
+
 TEST(Port, SwapsTheBytesOfWordsWhenToldTo) {
     CNodeMapFactory factory(
         ("<RegisterDescription SchemaMajorVersion=\"1\"><Port "
