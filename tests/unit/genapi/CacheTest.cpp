@@ -39,6 +39,7 @@ protected:
         fs::remove_all(m_folder);
         fs::create_directories(m_folder);
         setenv("GENICAM_CACHE_V3_0", m_folder.c_str(), 1);
+        CNodeMapFactory::ClearCache(); // what the test before has read is still held
     }
     ~Cache() override {
         unsetenv("GENICAM_CACHE_V3_0");
@@ -131,8 +132,10 @@ TEST_F(Cache, DamagedFilesAreIgnoredAndRewritten) {
     }
     damaged.push_back(good);
     damaged.back().back() ^= 0x80;
+    const fs::path file = Files()[0];
     for (const std::string& content : damaged) {
-        Replace(Files()[0], content);
+        CNodeMapFactory::ClearCache(); // what has been read from a file is not looked for again at once
+        Replace(file, content);
         EXPECT_THROW(Factory(Xml(640), CacheUsage_ForceRead), RuntimeException);
         EXPECT_EQ(Width(Open(Xml(640))), 640);
         EXPECT_EQ(Width(Open(Xml(640), CacheUsage_ForceRead)), 640);
