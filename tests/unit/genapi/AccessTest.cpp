@@ -155,6 +155,16 @@ TEST(Access, CircleOfPredicatesEnds) {
     EXPECT_EQ(camera.Mode("B"), RW);
 }
 
+// While A is asked it counts as readable, which it isn't: B, found to be available then, is not.
+TEST(Access, WhatIsFoundInsideACircleIsNotKept) {
+    Camera camera(Feature("A", "<pIsAvailable>B</pIsAvailable><pValue>Wo</pValue>") +
+                  Feature("B", "<pIsAvailable>A</pIsAvailable><Value>1</Value>") +
+                  IntReg("Wo", 0, 4, "<AccessMode>WO</AccessMode>"));
+    camera.port.Put(0, {1});
+    EXPECT_EQ(camera.Mode("A"), WO);
+    EXPECT_EQ(camera.Mode("B"), NA);
+}
+
 TEST(Access, KnifeNeedsItsVariablesAndIsNeverWritable) {
     Camera camera(::Node("IntSwissKnife", "K", "<pVariable Name=\"X\">R</pVariable><Formula>X</Formula>") +
                   IntReg("R", 0, 4, "<AccessMode>WO</AccessMode>") +

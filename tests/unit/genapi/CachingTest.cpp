@@ -405,6 +405,22 @@ TEST(Callbacks, MayDeregisterThemselves) {
     EXPECT_EQ(count, 1);
 }
 
+TEST(Callbacks, ThoseThatAnotherOneDeregistersNoLongerRun) {
+    Camera camera(IntReg("R", 0));
+    CallbackHandleType inside = 0;
+    CallbackHandleType outside = 0;
+    Register(camera.Node("R"), [&](INode*) {
+        Deregister(inside);
+        Deregister(outside);
+    });
+    int count = 0;
+    inside = Register(camera.Node("R"), [&](INode*) { ++count; });
+    outside = Register(
+        camera.Node("R"), [&](INode*) { ++count; }, cbPostOutsideLock);
+    camera.Int("R")->SetValue(1);
+    EXPECT_EQ(count, 0);
+}
+
 TEST(Callbacks, MembersOfAClientCanBeRegistered) {
     struct Client {
         void OnChange(INode* node) { name = node->GetName(); }

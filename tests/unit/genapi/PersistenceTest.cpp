@@ -249,6 +249,17 @@ TEST(FeatureBag, LoadsTheVariantThatNamesItsSelectors) {
               "'X' could not be set to '9': there is no selector 'Nobody=C'\n");
 }
 
+TEST(FeatureBag, SelectorsComeBackWhenTheNextOneRefuses) {
+    Camera camera(Selector("S", 0, Selects("X")) +
+                  ::Node("Integer", "I", "<Value>0</Value><Min>0</Min><Max>1</Max>" + Selects("X")) +
+                  Indexed("X", 16, "S"));
+    camera.Value("S")->FromString("B");
+    EXPECT_EQ(Load(camera, "X\t{S=C, I=5}\t9\n"),
+              "'X' could not be set to '9': Value 5 of 'I' must be at most 1 (min 0, max 1, inc 1).\n");
+    EXPECT_STREQ(camera.Value("S")->ToString().c_str(), "B");
+    EXPECT_EQ(camera.port.Bytes(16, 12), std::vector<int>(12, 0));
+}
+
 TEST(FeatureBag, FailedLinesAreTriedAgainWithTheirSelectors) {
     Camera camera(Selector("S", 0, Selects("X")) + Indexed("XReg", 16, "S") +
                   ::Node("Integer", "X", "<pValue>XReg</pValue><pMax>Limit</pMax>") +

@@ -82,6 +82,19 @@ TEST(MaskedRegister, SignComesFromTheTopBitOfTheField) {
     EXPECT_EQ(camera.Int("M")->GetMax(), 3);
 }
 
+TEST(MaskedRegister, NegativeNumberStaysInsideItsField) {
+    const std::string field = "<LSB>2</LSB><MSB>4</MSB><Sign>Signed</Sign>";
+    Camera camera(
+        Masked("Little", 0, 1, field) +
+        Masked("Big", 8, 2, "<LSB>12</LSB><MSB>9</MSB><Sign>Signed</Sign><Endianess>BigEndian</Endianess>"));
+    camera.port.Put(8, {0x81, 0x01});
+    camera.Int("Little")->SetValue(-4);
+    EXPECT_EQ(camera.port.Bytes(0, 1), Bytes{0b00010000});
+    camera.Int("Big")->SetValue(-1);
+    EXPECT_EQ(camera.port.Bytes(8, 2), (Bytes{0x81, 0x79}));
+    EXPECT_EQ(camera.Int("Big")->GetValue(), -1);
+}
+
 TEST(MaskedRegister, WriteKeepsTheOtherBitsWithFreshBytes) {
     Camera camera(Masked("Low", 0, 2, "<LSB>0</LSB><MSB>3</MSB>") +
                   Masked("High", 0, 2, "<LSB>8</LSB><MSB>15</MSB>"));
@@ -103,6 +116,25 @@ TEST(MaskedRegister, WritingOneFieldMakesItsNeighboursStale) {
     EXPECT_EQ(camera.port.TakeReads(), 1);
     EXPECT_EQ(camera.Int("Apart")->GetValue(), 0);
     EXPECT_EQ(camera.port.TakeReads(), 0);
+}
+
+TEST(IntegerRegister, OneByteInCommonIsEnoughToMakeAnotherStale) {
+    Camera camera(IntReg("Low", 0) + IntReg("High", 3) + IntReg("Behind", 7));
+    const auto readsAfterWriting = [&](const char* written) {
+        std::vector<int> reads;
+        for (const char* const name : {"Low", "High", "Behind"})
+            camera.Int(name)->GetValue();
+        camera.Int(written)->SetValue(1);
+        for (const char* const name : {"Low", "High", "Behind"}) {
+            camera.port.TakeReads();
+            camera.Int(name)->GetValue();
+            reads.push_back(camera.port.TakeReads());
+        }
+        return reads;
+    };
+    EXPECT_EQ(readsAfterWriting("Low"), (std::vector<int>{0, 1, 0}));
+    EXPECT_EQ(readsAfterWriting("High"), (std::vector<int>{1, 0, 0}));
+    EXPECT_EQ(readsAfterWriting("Behind"), (std::vector<int>{0, 0, 0}));
 }
 
 TEST(MaskedRegister, WriteOnlyOneIsNeverReadButRemembered) {
@@ -159,6 +191,20 @@ TEST(Address, ChangedTermMakesTheKeptValueStale) {
     EXPECT_EQ(camera.Int("Feature")->GetValue(), 11);
     camera.Int("Line")->SetValue(1);
     EXPECT_EQ(camera.Int("Feature")->GetValue(), 22);
+}
+
+TEST(Address, WhatIsWrittenOverAComputedOneIsNoticed) {
+    Camera camera(IntReg("Whole", 0, 4) + IntReg("Part", 0, 2, "<pIndex Offset=\"2\">I</pIndex>") +
+                  ::Node("Integer", "I", "<Value>1</Value>"));
+    EXPECT_EQ(camera.Int("Part")->GetValue(), 0);
+    camera.Int("Whole")->SetValue(0x00050000);
+    EXPECT_EQ(camera.Int("Part")->GetValue(), 5);
+    camera.Int("I")->SetValue(2);
+    EXPECT_EQ(camera.Int("Part")->GetValue(), 0);
+    camera.Int("Whole")->SetValue(0);
+    camera.port.TakeReads();
+    EXPECT_EQ(camera.Int("Part")->GetValue(), 0); // lies behind it now
+    EXPECT_EQ(camera.port.TakeReads(), 0);
 }
 
 TEST(Address, TermThatIsNeverKeptIsAskedEveryTime) {
