@@ -148,7 +148,7 @@ private:
 class ScriptedProducer {
 public:
     /// Variants: "full" (libzqgentl.cti), "euresys" (coaxlink.cti), "kaya", "silicon_software",
-    /// "without_<function>" and "without_urls" (neither GCGetNumPortURLs nor GCGetPortURL).
+    /// "without_<function>" and "without_urls" (none of GCGetNumPortURLs, GCGetPortURLInfo and GCGetPortURL).
     explicit ScriptedProducer(const std::string& variant = "full");
     ScriptedProducer(const ScriptedProducer&) = delete;
     ScriptedProducer& operator=(const ScriptedProducer&) = delete;

@@ -435,6 +435,11 @@ TEST_F(PortsWithoutUrls, HaveNone) {
     EXPECT_EQ(Port().GetPortURLCount(), 0u);
 }
 
+TEST_F(PortsWithoutUrls, AskTheNewFunctionWhereThereIsNeither) {
+    EXPECT_EQ(CatchProducerError([this] { Port().GetIZqPortURLInfo()->GetURL(); }).text,
+              "-1003 = GCGetPortURLInfo(PTR, 0, 0, PTR, PTR, PTR)");
+}
+
 class PortsWithoutUrlInfo : public Ports {
 protected:
     PortsWithoutUrlInfo() : Ports("without_GCGetPortURLInfo") {}
