@@ -10,6 +10,8 @@
 #include <optional>
 #include <string>
 
+#include <dlfcn.h>
+
 #include <ZqApi/Error.h>
 
 #include "tests/support/AllocationFailure.h"
@@ -139,6 +141,29 @@ TEST_F(Loader, BindsEveryFunctionAndClearsThemAtTheEnd) {
     EXPECT_EQ(countBound(), 57);
     lib.UnloadLib();
     EXPECT_EQ(countBound(), 0);
+}
+
+TEST_F(Loader, FunctionsAreFoundByNobodyElse) {
+    const ScriptedProducer producer;
+    const CZqGenTLLib lib("libzqgentl.cti");
+    EXPECT_TRUE(lib.TLOpen != nullptr);
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "TLOpen"), nullptr);
+}
+
+// A copy, since the test itself holds the producer that it scripts.
+TEST_F(Loader, CodeStaysWhenItIsUnloaded) {
+    const ScriptedProducer producer;
+    const std::string folder = MakeFolder("copy");
+    const std::string file = folder + "/libzqgentl.cti";
+    fs::copy_file(producer.File(), file);
+    const auto isMapped = [&] {
+        void* const library = dlopen(file.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+        return library != nullptr && dlclose(library) == 0;
+    };
+    EXPECT_FALSE(isMapped());
+    Search(folder);
+    EXPECT_EQ(LoadedPath("libzqgentl.cti"), file.c_str());
+    EXPECT_TRUE(isMapped());
 }
 
 TEST_F(Loader, LateCallsAreNotImplemented) {
