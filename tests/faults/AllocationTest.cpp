@@ -1,7 +1,6 @@
 // Allocations fail one at a time, on the application's thread and on those of the library.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
 #include <optional>
 #include <set>
@@ -15,15 +14,6 @@
 namespace ZqTest {
 
 namespace {
-
-/// Runs for each step. Under a sanitizer they are samples, unless the variable asks for every allocation.
-uint64_t RunsPerStep() {
-#ifdef ZQAPI_SLOWED_DOWN
-    if (std::getenv("ZQAPI_EVERY_ALLOCATION") == nullptr)
-        return 8;
-#endif
-    return UINT64_MAX;
-}
 
 /// Steps in which a failed allocation may cost something that is not needed instead of the step: the
 /// notification of a loss, the chunks of a frame, the thread of an event, a setting that can't be read. The
@@ -91,7 +81,7 @@ TEST_P(FailingAllocationIn, TheApplicationsThreadIsReportedAsBadAlloc) {
             }
             return failed;
         };
-        const uint64_t wanted = RunsPerStep();
+        const uint64_t wanted = Amount<uint64_t>(UINT64_MAX, UINT64_MAX, 8);
         const uint64_t total = recorded.allocations.at(step);
         const uint64_t stride = total > wanted ? total / wanted : 1;
         for (uint64_t n = 1; n <= total; n += stride)

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <set>
 
 #include "tests/faults/Runs.h"
 
@@ -20,14 +19,9 @@ constexpr std::array<Fault, 5> failures = {{
     {"an unknown code", -12345, 0, false, 0, false},
 }};
 
-// All codes in the first way; in the others, and under a sanitizer, they take turns.
+// All codes in the first way; in the others they take turns.
 size_t CodesPerCall(const Way& way) {
-#ifdef ZQAPI_SLOWED_DOWN
-    (void)way;
-    return 1;
-#else
-    return way.name == ways.front().name ? failures.size() : 3;
-#endif
+    return Amount<size_t>(failures.size(), way.name == ways.front().name ? failures.size() : 3, 1);
 }
 
 class FailingCall : public testing::TestWithParam<Way> {
@@ -89,24 +83,13 @@ std::string NameOf(const testing::TestParamInfo<Way>& info) {
 
 TEST_P(FailingCall, OfTheApplicationIsReportedOrSwallowedAsStated) {
     for (size_t n = 0; n < m_Recorded.calls.size(); ++n)
-        FailOnce({true, "", -1, n + 1}, m_Recorded.calls[n], m_Recorded.stepOfCall[n]);
+        FailOnce({true, "", "", n + 1}, m_Recorded.calls[n], m_Recorded.stepOfCall[n]);
 }
 
 TEST_P(FailingCall, OfAnEventThreadCostsItsEventAtMost) {
-    std::map<std::string, uint64_t> counts;
-    for (const std::string& line : m_Recorded.threadCalls) {
-        const std::string function = FunctionOf(line);
-        Target target{false, function, -1, 0};
-        std::string kind = function;
-        if (function == "EventGetData") {
-            // The threads take turns as they like: counted by type of event.
-            const std::string type = line.substr(line.find('/') + 1);
-            target.event = std::stoi(type);
-            kind += type.substr(0, 1);
-        }
-        target.number = ++counts[kind];
-        FailOnce(target, line, "");
-    }
+    const std::vector<Target> targets = TargetsOfThreads(m_Recorded.threadCalls);
+    for (size_t n = 0; n < targets.size(); ++n)
+        FailOnce(targets[n], WithoutResult(m_Recorded.threadCalls[n]), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, FailingCall, testing::ValuesIn(ways), NameOf);

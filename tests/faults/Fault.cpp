@@ -1,5 +1,6 @@
 #include "tests/faults/Fault.h"
 
+#include <map>
 #include <sstream>
 
 namespace ZqTest {
@@ -25,8 +26,7 @@ PlacedFault::PlacedFault(const ScriptedProducer& producer, const Target& target,
     ZqspRule rule{};
     rule.function = target.function.c_str();
     rule.thread = target.onOpener ? ZQSP_OPENING_THREAD : ZQSP_OTHER_THREADS;
-    rule.hasEvent = target.event >= 0 ? 1 : 0;
-    rule.event = target.event;
+    rule.handle = target.handle.empty() ? nullptr : target.handle.c_str();
     rule.firstCall = target.number;
     rule.calls = target.andAllAfter ? 0 : 1;
     rule.hasResult = fault.IsFailure() ? 1 : 0;
@@ -52,8 +52,27 @@ std::vector<std::string> CallsOf(const ScriptedProducer& producer, bool onOpener
     }));
     std::vector<std::string> calls;
     for (std::string line; std::getline(text, line);)
-        calls.push_back(line.substr(0, line.find(" = ")));
+        calls.push_back(line);
     return calls;
+}
+
+std::string WithoutResult(const std::string& call) {
+    return call.substr(0, call.find(" = "));
+}
+
+std::vector<Target> TargetsOfThreads(const std::vector<std::string>& calls) {
+    std::map<std::string, uint64_t> counts;
+    std::vector<Target> targets;
+    for (const std::string& call : calls) {
+        Target target{false, FunctionOf(call), {}, 0};
+        if (target.function == "EventGetData") {
+            const size_t begin = target.function.size() + 1;
+            target.handle = call.substr(begin, call.find(',') - begin);
+        }
+        target.number = ++counts[target.function + target.handle];
+        targets.push_back(target);
+    }
+    return targets;
 }
 
 std::string FunctionOf(const std::string& call) {

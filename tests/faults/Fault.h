@@ -1,11 +1,27 @@
 #pragma once
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "tests/support/ScriptedProducer.h"
 
 namespace ZqTest {
+
+/// How much of a series of faults a test takes: all where the environment has ZQAPI_EVERY_FAULT, else what is
+/// usual, or samples in builds in which everything takes several times as long.
+template <class T>
+T Amount(T everything, T usual, T samples) {
+    if (std::getenv("ZQAPI_EVERY_FAULT") != nullptr)
+        return everything;
+#ifdef ZQAPI_SLOWED_DOWN
+    (void)usual;
+    return samples;
+#else
+    (void)samples;
+    return usual;
+#endif
+}
 
 /// What goes wrong with one call: a result, and what is done to the outputs of a call that succeeds.
 struct Fault {
@@ -23,7 +39,7 @@ struct Fault {
 struct Target {
     bool onOpener;
     std::string function; ///< empty: of any
-    int64_t event;        ///< EventGetData of that type only, or -1
+    std::string handle;   ///< symbol of a handle that the call has; empty: any
     uint64_t number;
     bool andAllAfter = false;
 };
@@ -43,8 +59,15 @@ private:
     uint32_t m_Rule;
 };
 
-/// The calls of the opening thread, or of the others, without their results.
+/// The calls of the opening thread, or of the others; a failed one ends with " = " and its code.
 std::vector<std::string> CallsOf(const ScriptedProducer& producer, bool onOpener);
+
+/// "DSClose(DS1)" of "DSClose(DS1) = -1001".
+std::string WithoutResult(const std::string& call);
+
+/// Where to find each of the calls that were made on the library's threads in another run. Which of the
+/// threads is first is up to them, so EventGetData is counted for each event.
+std::vector<Target> TargetsOfThreads(const std::vector<std::string>& calls);
 
 /// "DSClose" of "DSClose(DS1) = -1001".
 std::string FunctionOf(const std::string& call);

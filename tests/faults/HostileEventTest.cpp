@@ -4,6 +4,7 @@
 #include <cstring>
 #include <thread>
 
+#include "tests/faults/Fault.h"
 #include "tests/unit/ZqApi_TL/ModuleTree.h"
 
 namespace ZqTest {
@@ -101,11 +102,7 @@ TEST_F(HostileEvents, RefusedRegistrationMayLeaveGarbageInTheHandle) {
 }
 
 TEST_F(HostileEvents, StormsOnEveryModuleEndWithTheRelease) {
-#ifdef ZQAPI_SLOWED_DOWN
-    constexpr int events = 200;
-#else
-    constexpr int events = 5000;
-#endif
+    const int events = Amount(5000, 5000, 200);
     system->StartEventAcquisitionThread();
     system->GetIZqInterface(0)->StartEventAcquisitionThread();
     stream->StartEventAcquisitionThread();

@@ -1,12 +1,7 @@
 // Producers that say one thing and do another.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <set>
-
-#include "tests/faults/Runs.h"
+#include "tests/faults/Lies.h"
 
 namespace ZqTest {
 
@@ -14,24 +9,10 @@ using namespace GenTL;
 
 namespace {
 
-constexpr std::array<Fault, 8> lies = {{
-    // name, result, size, hasSize, unwritten, unterminated
-    {"success with nothing written", 0, 0, false, ZQSP_NO_DATA, false},
-    {"success without a size", 0, 0, false, ZQSP_NO_SIZE, false},
-    {"success without a type", 0, 0, false, ZQSP_NO_TYPE, false},
-    {"a size of 0", 0, 0, true, 0, false},
-    {"a size of 1", 0, 1, true, 0, false},
-    {"a size of 2^40", 0, size_t{1} << 40, true, 0, false},
-    {"the largest size", 0, SIZE_MAX, true, 0, false},
-    {"no terminator", 0, 0, false, 0, true},
-}};
-
-// The lies take turns, so that neighbouring calls and the other ways hear the rest.
-#ifdef ZQAPI_SLOWED_DOWN
-constexpr size_t liesPerCall = 1;
-#else
-constexpr size_t liesPerCall = 4;
-#endif
+// Where not all are told, they take turns, so that neighbouring calls and the other ways hear the rest.
+size_t LiesPerCall() {
+    return Amount<size_t>(lies.size(), 4, 1);
+}
 
 /// What an opening function opens, whose handle a producer may keep to itself.
 std::string KindOpenedBy(const std::string& function) {
@@ -59,37 +40,13 @@ std::string JudgeMissingHandle(const Way& way, FailedCall call, const Outcome& o
     return JudgeReport(call, {"no handle", GC_ERR_INVALID_HANDLE, 0, false, 0, false}, outcome.failure);
 }
 
-/// What can come of a lie that was believed: a report of the library or of the node maps, about the call
-/// itself or about what is later done with its answer, at no time before it was told.
-std::string JudgeLie(const Runs::Recorded& recorded, const FailedCall& call, const Outcome& outcome) {
-    static const std::set<std::string> kinds = {
-        "ZqGenTLErrorException", "BadAllocException", "OutOfRangeException",   "InvalidArgumentException",
-        "RuntimeException",      "AccessException",   "LogicalErrorException", "GenericException"};
-    if (outcome.failure.kind.empty())
-        return {};
-    if (kinds.count(outcome.failure.kind) == 0)
-        return Show(outcome.failure);
-    const auto stepIndex = [&](const std::string& step) {
-        return std::find(recorded.steps.begin(), recorded.steps.end(), step) - recorded.steps.begin();
-    };
-    if (stepIndex(outcome.step) < stepIndex(call.step) || outcome.step.rfind("release", 0) == 0)
-        return "left step '" + outcome.step + "': " + Show(outcome.failure);
-    return {};
-}
-
 class LyingProducer : public testing::TestWithParam<Way> {
 protected:
     LyingProducer() : m_Runs(GetParam()), m_Recorded(m_Runs.Record()) {}
 
-    /// The second call of a text query follows the one that asks for the size.
-    bool IsText(size_t n) const {
-        const std::string& line = m_Recorded.calls[n];
-        return n > 0 && m_Recorded.calls[n - 1] == line.substr(0, line.rfind(' ') + 1) + "null)";
-    }
-
     void LieOnce(size_t n, const Fault& lie) {
         const std::string& expectedLine = m_Recorded.calls[n];
-        if (lie.unterminated && !IsText(n))
+        if (lie.unterminated && !IsTextQuery(m_Recorded.calls, n))
             return;
         const std::string what = "call " + std::to_string(n + 1) + ", " + expectedLine + ", " + lie.name +
                                  ", in step '" + m_Recorded.stepOfCall[n] + "'";
@@ -102,7 +59,7 @@ protected:
             what,
             [&] {
                 placed =
-                    std::make_unique<PlacedFault>(m_Runs.Producer(), Target{true, "", -1, n + 1}, lie, true);
+                    std::make_unique<PlacedFault>(m_Runs.Producer(), Target{true, "", "", n + 1}, lie, true);
             },
             [&] {
                 return withoutHandle ? LeftOpen{opened, 1} : LeftOpen();
@@ -128,7 +85,7 @@ std::string NameOf(const testing::TestParamInfo<Way>& info) {
 
 TEST_P(LyingProducer, IsSurvivedWhateverItsAnswersHold) {
     for (size_t n = 0; n < m_Recorded.calls.size(); ++n) {
-        for (size_t i = 0; i < liesPerCall; ++i)
+        for (size_t i = 0; i < LiesPerCall(); ++i)
             LieOnce(n, lies[(n * 3 + i) % lies.size()]);
         if (HasFatalFailure())
             return;
@@ -138,18 +95,14 @@ TEST_P(LyingProducer, IsSurvivedWhateverItsAnswersHold) {
 
 // Handles that have become stale: from some call on the producer refuses every one.
 TEST_P(LyingProducer, MayRefuseEveryCallFromAnyOneOn) {
-#ifdef ZQAPI_SLOWED_DOWN
-    constexpr size_t stride = 5;
-#else
-    constexpr size_t stride = 1;
-#endif
+    const size_t stride = Amount<size_t>(1, 1, 5);
     const Fault stale{"every handle stale", GC_ERR_INVALID_HANDLE, 0, false, 0, false};
     for (size_t n = 1; n < m_Recorded.calls.size(); n += stride) {
         const std::string what = "all calls from " + std::to_string(n + 1) + " on, " + m_Recorded.calls[n];
         m_Runs.CountFault();
         m_Runs.looksAtWhatIsOpen = false; // the producer denies having closed what it has closed
         const Outcome outcome = m_Runs.Run(what, [&] {
-            PlacedFault(m_Runs.Producer(), Target{true, "", -1, n + 1, true}, stale, true);
+            PlacedFault(m_Runs.Producer(), Target{true, "", "", n + 1, true}, stale, true);
         });
         m_Runs.looksAtWhatIsOpen = true;
         const FailedCall call{m_Recorded.calls[n], m_Recorded.stepOfCall[n], true, false};

@@ -108,6 +108,7 @@ void Runs::RunHealthy(const std::string& after) {
 Runs::Recorded Runs::Record() {
     Recorded recorded;
     std::vector<size_t> begins;
+    std::vector<size_t> beginsOfThreads;
     uint64_t before = 0;
     const auto endStep = [&] {
         if (!recorded.steps.empty())
@@ -116,6 +117,7 @@ Runs::Recorded Runs::Record() {
     onStep = [&](const char* step) {
         endStep();
         begins.push_back(CallsOf(Producer(), true).size());
+        beginsOfThreads.push_back(CallsOf(Producer(), false).size());
         if (*step == '\0')
             return;
         recorded.steps.emplace_back(step);
@@ -123,10 +125,13 @@ Runs::Recorded Runs::Record() {
     };
     RunHealthy("nothing");
     onStep = nullptr;
-    recorded.calls = CallsOf(Producer(), true);
+    for (const std::string& call : CallsOf(Producer(), true))
+        recorded.calls.push_back(WithoutResult(call));
     recorded.threadCalls = CallsOf(Producer(), false);
-    for (size_t step = 0; step < recorded.steps.size(); ++step)
+    for (size_t step = 0; step < recorded.steps.size(); ++step) {
         recorded.stepOfCall.resize(begins[step + 1], recorded.steps[step]);
+        recorded.stepOfThreadCall.resize(beginsOfThreads[step + 1], recorded.steps[step]);
+    }
     return recorded;
 }
 

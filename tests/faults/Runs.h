@@ -39,9 +39,10 @@ public:
 
     /// Steps and calls of a healthy run.
     struct Recorded {
-        std::vector<std::string> calls;       ///< of the application's thread
-        std::vector<std::string> threadCalls; ///< of the library's threads
-        std::vector<std::string> stepOfCall;  ///< for `calls`
+        std::vector<std::string> calls;            ///< of the application's thread
+        std::vector<std::string> threadCalls;      ///< of the library's threads, with their results
+        std::vector<std::string> stepOfCall;       ///< for `calls`
+        std::vector<std::string> stepOfThreadCall; ///< for `threadCalls`: that in which they began
         std::vector<std::string> steps;
         std::map<std::string, uint64_t> allocations; ///< in each step, on the application's thread
     };
