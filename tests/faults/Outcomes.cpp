@@ -156,6 +156,8 @@ constexpr Row threadRows[] = {
     {"GCWritePort",            "(REMOTE1, ",    "",               any,  E::Nothing},
     {"GCReadPort",             "(REMOTE1, ",    "",               any,  E::Nothing},
     {"DSGetBufferInfo",        ", 16, 8)",      "",               any,  E::InCallback},
+    {"DSGetBufferInfo",        ", 20, 8)",      "",               any,  E::InCallback},
+    {"DSGetBufferInfo",        ", 21, 8)",      "",               any,  E::InCallback},
     {"DSGetBufferInfo",        "",              "",               any,  E::Nothing},
     {"DSGetBufferChunkData",   "",              "",               any,  E::Nothing},
     {"DSQueueBuffer",          "",              "",               any,  E::InCallback},

@@ -77,7 +77,7 @@ private:
     class Callback final : public IZqCallback {
     public:
         explicit Callback(Scenario& scenario) : m_Scenario(scenario) {}
-        void Invoke(IZqCallbackParamBase*) override { m_Scenario.OnNewBuffer(); }
+        void Invoke(IZqCallbackParamBase* pParam) override;
         void Destroy() override {}
 
     private:
@@ -103,7 +103,8 @@ private:
     void Release();
 
     void PushFrame();
-    void Retrieve();
+    /// Takes a frame, if there is one, and counts it.
+    void Retrieve(int& frames);
     static void Read(IZqStreamBufferReleasable* pBuffer);
     void OnNewBuffer();
 

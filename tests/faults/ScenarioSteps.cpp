@@ -68,6 +68,7 @@ void Scenario::SaveFeatures() {
 void Scenario::OpenStream() {
     m_pStream = m_pDevice->CreateIZqDataStream(0, m_Way.ownMemory ? &m_Memory : nullptr);
     m_pStream->SetStreamBufferCount(2);
+    m_pStream->StartEventAcquisitionThread();
 }
 
 void Scenario::Start() {
@@ -98,11 +99,11 @@ void Scenario::Read(IZqStreamBufferReleasable* pBuffer) {
         pTimestamp->GetValue();
 }
 
-void Scenario::Retrieve() {
+void Scenario::Retrieve(int& frames) {
     IZqStreamBufferReleasable* const pBuffer = m_pStream->RetrieveBuffer(0, ZqTimeoutHandling_ReturnNull);
     if (pBuffer == nullptr)
         return;
-    ++m_Outcome.framesRetrieved;
+    ++frames;
     const Failure failure = FailureOf([&] { Read(pBuffer); });
     if (failure.kind.empty())
         return pBuffer->Release();
@@ -113,7 +114,7 @@ void Scenario::Retrieve() {
 void Scenario::GrabByWaiting() {
     for (int frame = 0; frame < 2; ++frame) {
         PushFrame();
-        Retrieve();
+        Retrieve(m_Outcome.framesRetrieved);
     }
     // Nothing is left; what the event thread met shows here at the latest.
     m_pStream->RetrieveBuffer(0, ZqTimeoutHandling_ReturnNull);
@@ -122,16 +123,16 @@ void Scenario::GrabByWaiting() {
 }
 
 void Scenario::OnNewBuffer() {
-    const Failure failure = FailureOf([this] {
-        IZqStreamBufferReleasable* const pBuffer = m_pStream->RetrieveBuffer(0, ZqTimeoutHandling_ReturnNull);
-        if (pBuffer == nullptr)
-            return;
-        ++m_Outcome.framesInCallback;
-        pBuffer->GetIZqStreamBufferInfo()->GetFrameID();
-        pBuffer->Release();
-    });
+    const Failure failure = FailureOf([this] { Retrieve(m_Outcome.framesInCallback); });
     if (m_Outcome.inCallback.kind.empty())
         m_Outcome.inCallback = failure;
+}
+
+void Scenario::Callback::Invoke(IZqCallbackParamBase* pParam) {
+    if (pParam->GetCallbackType() == ZqCallbackType_GenTLEventNewBuffer)
+        m_Scenario.OnNewBuffer();
+    else
+        static_cast<IZqCallbackParamGenTLEventErrorDS*>(pParam)->GetDescription();
 }
 
 void Scenario::GrabByCallback() {
@@ -139,6 +140,9 @@ void Scenario::GrabByCallback() {
     for (int frame = 0; frame < framesToCallback; ++frame) {
         PushFrame();
     }
+    const SparedAllocations own;
+    (void)m_Producer.PushError("DS1", GC_ERR_IO, "reported");
+    WaitForEventThreads();
     m_pStream->DeregisterCallback(hCallback);
 }
 
@@ -157,8 +161,10 @@ void Scenario::DeviceEvents() {
     WaitForEventThreads();
     (void)m_Producer.Push("DEV1", EVENT_REMOTE_DEVICE, named("0002", "bytes"));
     WaitForEventThreads();
-    (void)m_Producer.Push("DEV1", EVENT_MODULE, named("0003", "bytes"));
-    WaitForEventThreads();
+    for (const char* const module : {"IF1", "DEV1"}) {
+        (void)m_Producer.Push(module, EVENT_MODULE, named("0003", "bytes"));
+        WaitForEventThreads();
+    }
     for (const char* const module : {"TL1", "IF1", "DEV1"}) {
         (void)m_Producer.PushError(module, GC_ERR_IO, "reported");
         WaitForEventThreads();

@@ -34,8 +34,8 @@ TEST_P(FailingThreadIn, CostsTheEventsOfThatThread) {
         EXPECT_EQ(outcome.inCallback.kind, "") << GetParam().name << ", " << what;
         withoutFrames += JudgeHealthy(GetParam(), outcome).empty() ? 0 : 1;
     }
-    // System, interface (2), device (5), stream; one more for a second acquisition.
-    EXPECT_EQ(n - 2, GetParam().restart ? 10u : 9u);
+    // System, interface (2), device (5), stream (2); one more for a second acquisition.
+    EXPECT_EQ(n - 2, GetParam().restart ? 11u : 10u);
     EXPECT_EQ(withoutFrames, GetParam().restart ? 2 : 1);
     runs.RunHealthy("failing threads");
 }
