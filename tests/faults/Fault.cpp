@@ -37,6 +37,9 @@ PlacedFault::PlacedFault(const ScriptedProducer& producer, const Target& target,
     rule.size = fault.size;
     rule.unwritten = fault.unwritten;
     rule.unterminated = fault.unterminated ? 1 : 0;
+    rule.garbled = fault.garbled ? 1 : 0;
+    rule.hasType = fault.type != 0 ? 1 : 0;
+    rule.type = fault.type;
     m_Rule = producer.Resolve<decltype(&Zqsp_AddRule)>("Zqsp_AddRule")(&rule);
 }
 

@@ -31,6 +31,8 @@ struct Fault {
     bool hasSize;
     int unwritten; ///< ZQSP_NO_DATA, ...
     bool unterminated;
+    bool garbled = false; ///< every bit of the answer is set
+    int32_t type = 0;     ///< reported in place of the true one, unless 0
     [[nodiscard]] bool IsFailure() const { return result != GenTL::GC_ERR_SUCCESS; }
 };
 

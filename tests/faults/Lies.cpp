@@ -5,6 +5,33 @@
 
 namespace ZqTest {
 
+namespace {
+
+bool Is(const std::string& call, const char* function, const char* arguments) {
+    return FunctionOf(call) == function && call.find(arguments) != std::string::npos;
+}
+
+bool DeliversBuffer(const std::string& call) {
+    return Is(call, "EventGetData", "/1, ") && call == WithoutResult(call);
+}
+
+} // namespace
+
+bool CanBeTold(const std::vector<std::string>& calls, size_t n, const Fault& lie) {
+    const bool announces = n > 0 && Is(calls[n - 1], "DSAllocAndAnnounceBuffer", "");
+    const bool isAddress =
+        DeliversBuffer(calls[n]) || (announces && Is(calls[n], "DSGetBufferInfo", ", 0, 8)"));
+    return lie.unterminated ? IsTextQuery(calls, n) : !(lie.garbled && isAddress);
+}
+
+const char* MessageOfDeath(const std::string& call, const Fault& lie) {
+    if (DeliversBuffer(call) && lie.hasSize && lie.size < sizeof(GenTL::EVENT_NEW_BUFFER_DATA))
+        return "sizeof\\(EVENT_NEW_BUFFER_DATA\\) <= iSize";
+    if (Is(call, "DSGetBufferInfo", ", 21, 8)") && lie.garbled)
+        return "nPixelFormatNamespace <= UINT32_MAX";
+    return nullptr;
+}
+
 bool IsTextQuery(const std::vector<std::string>& calls, size_t n) {
     const std::string line = WithoutResult(calls[n]);
     const std::string sizeQuery = line.substr(0, line.rfind(' ') + 1) + "null)";

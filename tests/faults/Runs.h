@@ -52,7 +52,7 @@ public:
     [[nodiscard]] const Way& GetWay() const { return m_Way; }
     [[nodiscard]] const ScriptedProducer& Producer() const { return *m_pProducer; }
 
-    uint32_t patienceMs = 2000;
+    uint32_t patienceMs = usualPatienceMs;
     bool looksAtWhatIsOpen = true;
     /// Called at each step of the next runs.
     std::function<void(const char*)> onStep;

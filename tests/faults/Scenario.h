@@ -50,6 +50,8 @@ extern const std::vector<Way> ways;
 int FramesToRetrieve(const Way& way);
 constexpr int framesToCallback = 2;
 
+constexpr uint32_t usualPatienceMs = 2000;
+
 /// What an application does with a camera, from opening the system to releasing it. A step that throws is the
 /// last but for the releases.
 class Scenario {
@@ -63,7 +65,7 @@ public:
     /// Called when a step begins, and with "" at the end.
     std::function<void(const char* step)> onStep;
     /// How long to wait for event threads to have nothing to do.
-    uint32_t patienceMs = 2000;
+    uint32_t patienceMs = usualPatienceMs;
 
 private:
     class Memory final : public IZqAllocator {

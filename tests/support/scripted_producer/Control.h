@@ -63,6 +63,7 @@ typedef struct ZqspRule {
     int hasSize; /* what goes into the size output */
     size_t size;
     int unterminated; /* the last byte of what was written becomes an 'x' */
+    int garbled;      /* every bit of what was written is set */
     int hasType;      /* what goes into the type output; for GCGetLastError into the code */
     int32_t type;
     int unwritten;

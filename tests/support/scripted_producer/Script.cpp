@@ -91,6 +91,10 @@ void Rule::WriteOutputs(const Out& out) const {
         if (out.size != nullptr)
             *out.size = m_value.size() / out.unit;
     }
+    const size_t written =
+        out.fixedSize != 0 ? out.fixedSize : (out.size == nullptr ? 0 : *out.size * out.unit);
+    if (what.garbled != 0 && out.data != nullptr)
+        std::memset(out.data, 0xFF, written);
     if (what.unterminated != 0 && out.data != nullptr && out.size != nullptr && *out.size > 0)
         static_cast<char*>(out.data)[*out.size * out.unit - 1] = 'x';
     if (what.hasSize != 0 && out.size != nullptr)
