@@ -133,8 +133,16 @@ void Scenario::WaitForEventThreads() const {
     const SparedAllocations own;
     const auto waiting = m_Producer.Resolve<decltype(&Zqsp_WaitingForEvents)>("Zqsp_WaitingForEvents");
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(patienceMs);
-    while (waiting() != ThreadCount() - m_ThreadsBefore && std::chrono::steady_clock::now() < deadline)
+    // Counting the threads costs several times what it takes them to come to rest.
+    constexpr int looksPerCount = 8;
+    size_t threads = 0;
+    for (int look = 0; std::chrono::steady_clock::now() < deadline; ++look) {
+        if (look % looksPerCount == 0)
+            threads = ThreadCount() - m_ThreadsBefore;
+        if (waiting() == threads)
+            return;
         std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
 }
 
 void Scenario::Step(const char* name, const std::function<void()>& action) {
