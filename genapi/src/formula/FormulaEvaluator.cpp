@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstring>
 
 namespace GENAPI_NAMESPACE::inside {
 
