@@ -198,6 +198,14 @@ TEST_F(RemoteEvents, IdMayBeANumber) {
     EXPECT_TRUE(arrived.Wait());
 }
 
+TEST_F(RemoteEvents, ItemsAreNoLargerThanAnnounced) {
+    OpenAs("U3V");
+    producer.Answer("EventGetDataInfo").Command(EVENT_DATA_ID).DataQuery().Size(5000);
+    PushItem(Number(0x9C40, 4), INFO_DATATYPE_INT32);
+    ASSERT_TRUE(arrived.Wait());
+    EXPECT_EQ(Value("EventData"), 0xDEADBEEF);
+}
+
 TEST_F(RemoteEvents, IdMayBeHexadecimalWithItsMark) {
     OpenAs("U3V");
     for (const char* const id : {"0x9C40", "0X9c40"}) {
