@@ -193,9 +193,7 @@ std::string RangeOfBits(const Opened& opened, INode* reg, const std::string& kin
     constexpr long kWidest = 64;
     if (isSigned || bits == kWidest) {
         const int64_t highest = INT64_MAX >> (kWidest - bits);
-        return std::to_string(kind == "max"                ? highest
-                              : isSigned || bits < kWidest ? -highest - 1
-                                                           : INT64_MIN);
+        return std::to_string(kind == "max" ? highest : -highest - 1);
     }
     return kind == "max" ? std::to_string((uint64_t{1} << bits) - 1) : "0";
 }
